@@ -1,0 +1,33 @@
+# What every target of this project is built with.
+
+include(CheckCXXCompilerFlag)
+
+# Warnings; the project builds without any.
+function(kvl_set_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+endfunction()
+
+# On Windows a library is called as its target, as everywhere else in its texts.
+function(kvl_name_library target)
+  if(WIN32)
+    set_target_properties(${target} PROPERTIES PREFIX "")
+  endif()
+endfunction()
+
+# kvl_add_layer(NAME BELOW layer... SOURCES source...): one folder of the kernel. Its sources see
+# the public headers, their own folder and the folders BELOW.
+function(kvl_add_layer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "BELOW;SOURCES")
+  add_library(kvl_${name} OBJECT ${arg_SOURCES})
+  target_compile_features(kvl_${name} PUBLIC cxx_std_17)
+  target_compile_definitions(kvl_${name} PRIVATE KVLKernel_EXPORTS)
+  target_include_directories(kvl_${name} PRIVATE "${PROJECT_SOURCE_DIR}/include"
+                                                 "${CMAKE_CURRENT_SOURCE_DIR}")
+  foreach(layer IN LISTS arg_BELOW)
+    target_include_directories(kvl_${name} PRIVATE "${PROJECT_SOURCE_DIR}/${layer}")
+  endforeach()
+  set_target_properties(
+    kvl_${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_EXTENSIONS OFF
+                           CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  kvl_set_warnings(kvl_${name})
+endfunction()

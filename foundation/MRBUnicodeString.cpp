@@ -1,0 +1,303 @@
+#include "MRBUnicodeString.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <ostream>
+#include <string_view>
+#include <utility>
+
+// Invariants: `length` <= `capacity` or the text is in `local`, where up to LocalCapacity bytes fit
+// whatever `capacity` (at most LocalCapacity then) says; the byte behind the text is NUL; `heap`
+// has capacity + 1 bytes.
+
+namespace {
+
+std::size_t LengthOf(const char* text) {
+  return text ? std::strlen(text) : 0;
+}
+
+// The room for `count` bytes and their NUL.
+char* Allocate(std::size_t count) {
+  // One byte short of the limit, so that neither a length nor a capacity with its NUL overflows.
+  if (count > static_cast<std::size_t>(INT_MAX) - 1) throw std::bad_alloc();
+  void* const block = std::malloc(count + 1);
+  if (!block) throw std::bad_alloc();
+  return static_cast<char*>(block);
+}
+
+void CopyBytes(char* to, const char* from, std::size_t count) {
+  if (count > 0) std::memmove(to, from, count);
+}
+
+bool IsSpace(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+std::uint64_t Load64(const char* bytes) {
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
+  hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
+  return hash ^ (hash >> 32);
+}
+
+template <class T>
+int Print(MRBUnicodeString& text, T value, const char* format) {
+  char buffer[64];
+  const int count = format ? std::snprintf(buffer, sizeof buffer, format, value) : -1;
+  if (count < static_cast<int>(sizeof buffer)) {
+    text = MRBUnicodeString(buffer, count);
+    return count;
+  }
+  char* const block = Allocate(static_cast<std::size_t>(count));
+  std::snprintf(block, static_cast<std::size_t>(count) + 1, format, value);
+  text = MRBUnicodeString(block, count);
+  std::free(block);
+  return count;
+}
+
+}  // namespace
+
+MRBUnicodeString::MRBUnicodeString(const char* text) {
+  InitFrom(text, LengthOf(text));
+}
+
+MRBUnicodeString::MRBUnicodeString(const char* text, int count) {
+  InitFrom(text, text && count > 0 ? static_cast<std::size_t>(count) : 0);
+}
+
+MRBUnicodeString::MRBUnicodeString(const MRBUnicodeString& other) {
+  InitFrom(other.ConvertToChar(), static_cast<std::size_t>(other.length));
+}
+
+MRBUnicodeString::MRBUnicodeString(MRBUnicodeString&& other) noexcept : MRBUnicodeString() {
+  Swap(other);
+}
+
+MRBUnicodeString::~MRBUnicodeString() {
+  if (!IsLocal()) std::free(heap);
+}
+
+MRBUnicodeString& MRBUnicodeString::operator=(const MRBUnicodeString& other) {
+  if (this != &other) AssignFrom(other.ConvertToChar(), static_cast<std::size_t>(other.length));
+  return *this;
+}
+
+MRBUnicodeString& MRBUnicodeString::operator=(MRBUnicodeString&& other) noexcept {
+  if (this != &other) MRBUnicodeString(std::move(other)).Swap(*this);
+  return *this;
+}
+
+MRBUnicodeString& MRBUnicodeString::operator=(const char* text) {
+  AssignFrom(text, LengthOf(text));
+  return *this;
+}
+
+void MRBUnicodeString::Swap(MRBUnicodeString& other) noexcept {
+  char bytes[sizeof(MRBUnicodeString)];
+  void* const left = this;
+  void* const right = &other;
+  std::memcpy(bytes, left, sizeof bytes);
+  std::memmove(left, right, sizeof bytes);
+  std::memcpy(right, bytes, sizeof bytes);
+}
+
+bool MRBUnicodeString::operator==(const MRBUnicodeString& other) const {
+  return length == other.length &&
+         std::memcmp(ConvertToChar(), other.ConvertToChar(), static_cast<std::size_t>(length)) == 0;
+}
+
+bool MRBUnicodeString::operator==(const char* text) const {
+  const std::size_t count = LengthOf(text);
+  return static_cast<std::size_t>(length) == count &&
+         (count == 0 || std::memcmp(ConvertToChar(), text, count) == 0);
+}
+
+bool MRBUnicodeString::operator<(const MRBUnicodeString& other) const {
+  const int common = length < other.length ? length : other.length;
+  const int order =
+      std::memcmp(ConvertToChar(), other.ConvertToChar(), static_cast<std::size_t>(common));
+  return order < 0 || (order == 0 && length < other.length);
+}
+
+MRBUnicodeString MRBUnicodeString::operator+(const MRBUnicodeString& other) const {
+  MRBUnicodeString sum(*this);
+  sum.Append(other);
+  return sum;
+}
+
+MRBUnicodeString MRBUnicodeString::operator+(const char* text) const {
+  MRBUnicodeString sum(*this);
+  sum.InsertFrom(sum.length, text, LengthOf(text));
+  return sum;
+}
+
+MRBUnicodeString& MRBUnicodeString::Append(const MRBUnicodeString& other) {
+  InsertFrom(length, other.ConvertToChar(), static_cast<std::size_t>(other.length));
+  return *this;
+}
+
+MRBUnicodeString& MRBUnicodeString::Insert(int position, const MRBUnicodeString& other) {
+  const int place = position < 0 ? 0 : (position > length ? length : position);
+  if (this == &other) {
+    const MRBUnicodeString copy(other);
+    return Insert(place, copy);
+  }
+  InsertFrom(place, other.ConvertToChar(), static_cast<std::size_t>(other.length));
+  return *this;
+}
+
+MRBUnicodeString& MRBUnicodeString::Remove(int position, int count) {
+  const std::int64_t end = static_cast<std::int64_t>(position) + count;
+  const int first = position < 0 ? 0 : position;
+  const int last = end < length ? static_cast<int>(end) : length;
+  if (first >= last) return *this;
+  char* const text = Data();
+  CopyBytes(text + first, text + last, static_cast<std::size_t>(length - last) + 1);
+  length -= last - first;
+  return *this;
+}
+
+MRBUnicodeString MRBUnicodeString::SubString(int start, int count) const {
+  const std::int64_t end = static_cast<std::int64_t>(start) + count;
+  const int first = start < 0 ? 0 : start;
+  const int last = end < length ? static_cast<int>(end) : length;
+  if (first >= last) return MRBUnicodeString();
+  return MRBUnicodeString(ConvertToChar() + first, last - first);
+}
+
+int MRBUnicodeString::SearchSubString(const MRBUnicodeString& sub, int from,
+                                      MRBSearchMode mode) const {
+  const std::string_view text(ConvertToChar(), static_cast<std::size_t>(length));
+  const std::string_view wanted(sub.ConvertToChar(), static_cast<std::size_t>(sub.length));
+  const std::size_t first = from < 0 ? 0 : static_cast<std::size_t>(from);
+  std::size_t found = mode == MRBSearchBackward ? text.rfind(wanted) : text.find(wanted, first);
+  if (found == std::string_view::npos || found < first) return -1;
+  return static_cast<int>(found);
+}
+
+int MRBUnicodeString::FindPosition(const MRBUnicodeString& sub, int from) const {
+  return SearchSubString(sub, from, MRBSearchForward) + 1;
+}
+
+MRBUnicodeString MRBUnicodeString::Strip(MRBStripMode mode) const {
+  const char* const text = ConvertToChar();
+  int first = 0;
+  int last = length;
+  if (mode & MRBStripLeading) {
+    while (first < last && IsSpace(text[first]))
+      ++first;
+  }
+  if (mode & MRBStripTrailing) {
+    while (last > first && IsSpace(text[last - 1]))
+      --last;
+  }
+  return MRBUnicodeString(text + first, last - first);
+}
+
+int MRBUnicodeString::BuildFromNum(int value, const char* format) {
+  return Print(*this, value, format);
+}
+
+int MRBUnicodeString::BuildFromNum(unsigned int value, const char* format) {
+  return Print(*this, value, format);
+}
+
+int MRBUnicodeString::BuildFromNum(long value, const char* format) {
+  return Print(*this, value, format);
+}
+
+int MRBUnicodeString::BuildFromNum(unsigned long value, const char* format) {
+  return Print(*this, value, format);
+}
+
+int MRBUnicodeString::BuildFromNum(double value, const char* format) {
+  return Print(*this, value, format);
+}
+
+unsigned int MRBUnicodeString::ComputeHashKey(const char* text, int count) noexcept {
+  std::uint64_t hash = static_cast<std::uint64_t>(count);
+  int rest = count;
+  for (; rest >= 8; rest -= 8, text += 8)
+    hash = Mix(hash, Load64(text));
+  std::uint64_t tail = 0;
+  for (int i = 0; i < rest; ++i)
+    tail = tail << 8 | static_cast<unsigned char>(text[i]);
+  hash = Mix(Mix(hash, tail), 0);
+  return static_cast<unsigned int>(hash);
+}
+
+void MRBUnicodeString::InitFrom(const char* text, std::size_t count) {
+  char* place = local;
+  length = 0;
+  capacity = 0;
+  if (count > LocalCapacity) {
+    place = Allocate(count);
+    heap = place;
+    capacity = static_cast<int>(count);
+  }
+  CopyBytes(place, text, count);
+  place[count] = '\0';
+  length = static_cast<int>(count);
+}
+
+// `text` may lie inside this text.
+void MRBUnicodeString::AssignFrom(const char* text, std::size_t count) {
+  const std::size_t room = static_cast<std::size_t>(IsLocal() ? LocalCapacity : capacity);
+  if (count > room) {
+    MRBUnicodeString fresh;
+    fresh.InitFrom(text, count);
+    Swap(fresh);
+    return;
+  }
+  char* const place = Data();
+  CopyBytes(place, text, count);
+  place[count] = '\0';
+  length = static_cast<int>(count);
+}
+
+// `text` may lie inside this text when it goes to the end.
+void MRBUnicodeString::InsertFrom(int position, const char* text, std::size_t count) {
+  if (count == 0) return;
+  const std::size_t before = static_cast<std::size_t>(position);
+  const std::size_t after = static_cast<std::size_t>(length - position);
+  const std::size_t total = before + count + after;
+  const std::size_t room = static_cast<std::size_t>(IsLocal() ? LocalCapacity : capacity);
+  if (total <= room) {
+    char* const place = Data();
+    CopyBytes(place + before + count, place + before, after);
+    CopyBytes(place + before, text, count);
+    place[total] = '\0';
+    length = static_cast<int>(total);
+    return;
+  }
+  std::size_t places = total;
+  if (places < 2 * room && 2 * room < static_cast<std::size_t>(INT_MAX)) places = 2 * room;
+  char* const place = Allocate(places);
+  CopyBytes(place, ConvertToChar(), before);
+  CopyBytes(place + before, text, count);
+  CopyBytes(place + before + count, ConvertToChar() + before, after);
+  place[total] = '\0';
+  if (!IsLocal()) std::free(heap);
+  heap = place;
+  length = static_cast<int>(total);
+  capacity = static_cast<int>(places);
+}
+
+MRBUnicodeString operator+(const char* text, const MRBUnicodeString& string) {
+  MRBUnicodeString sum(text);
+  sum.Append(string);
+  return sum;
+}
+
+std::ostream& operator<<(std::ostream& stream, const MRBUnicodeString& string) {
+  return stream << std::string_view(string.ConvertToChar(),
+                                    static_cast<std::size_t>(string.GetLengthInByte()));
+}
