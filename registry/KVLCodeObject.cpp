@@ -1,0 +1,59 @@
+#include "KVLCodeObject.h"
+
+#include <cstdio>
+
+KVLCodeObject::KVLCodeObject(const MRBUnicodeString& objectName) : name(objectName) {}
+
+KVLCodeObject::~KVLCodeObject() = default;
+
+KVLCodeFunction* KVLCodeObject::AsFunction() {
+  return nullptr;
+}
+
+const KVLCodeFunction* KVLCodeObject::AsFunction() const {
+  return nullptr;
+}
+
+KVLCodeValue* KVLCodeObject::AsVariable() {
+  return nullptr;
+}
+
+const KVLCodeValue* KVLCodeObject::AsVariable() const {
+  return nullptr;
+}
+
+KVLCodeType* KVLCodeObject::AsType() {
+  return nullptr;
+}
+
+const KVLCodeType* KVLCodeObject::AsType() const {
+  return nullptr;
+}
+
+KVLCodeEnv* KVLCodeObject::AsEnv() {
+  return nullptr;
+}
+
+const KVLCodeEnv* KVLCodeObject::AsEnv() const {
+  return nullptr;
+}
+
+MRBUnicodeString KVLCodeObject::ToString() const {
+  return "KVLCodeObject '" + name + "'";
+}
+
+MRBUnicodeString KVLCodeObject::ToStringCode() const {
+  return name;
+}
+
+KVLVector<MRBUnicodeString> KVLCodeObject::Check() const {
+  return messages;
+}
+
+void KVLCodeObject::Dump() const {
+  // The C library's stream is the one that every C++ stream on standard output stays in step with,
+  // and it needs no start-up work.
+  const MRBUnicodeString line = ToString() + "\n";
+  std::fwrite(line.ConvertToChar(), 1, static_cast<std::size_t>(line.GetLengthInByte()), stdout);
+  std::fflush(stdout);
+}
