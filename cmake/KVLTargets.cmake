@@ -1,7 +1,5 @@
 # What every target of this project is built with.
 
-include(CheckCXXCompilerFlag)
-
 # Warnings; the project builds without any.
 function(kvl_set_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -30,4 +28,18 @@ function(kvl_add_layer name)
     kvl_${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_EXTENSIONS OFF
                            CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   kvl_set_warnings(kvl_${name})
+endfunction()
+
+# Puts the compiler's own libraries beside the programs that need them.
+function(kvl_copy_runtime_libraries)
+  foreach(library IN ITEMS libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+    execute_process(
+      COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${library}"
+      OUTPUT_VARIABLE path
+      OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT IS_ABSOLUTE "${path}")
+      set(path "/usr/x86_64-w64-mingw32/lib/${library}")
+    endif()
+    file(COPY "${path}" DESTINATION "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  endforeach()
 endfunction()
