@@ -17,10 +17,6 @@
 #define KVL_TESTS_OTHER_SANITIZER
 #endif
 
-#if defined(KVL_TESTS_ADDRESS_SANITIZER)
-#include <sanitizer/allocator_interface.h>
-#endif
-
 namespace {
 
 std::atomic<long> allocations{0};
@@ -32,6 +28,11 @@ void CountAllocation() {
 }  // namespace
 
 #if defined(KVL_TESTS_ADDRESS_SANITIZER)
+
+// From the sanitizer's runtime; not every compiler brings its header along.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(
+    void (*onAllocation)(const volatile void* block, std::size_t size),
+    void (*onDeallocation)(const volatile void* block));
 
 namespace {
 
