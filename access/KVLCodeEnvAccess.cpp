@@ -70,9 +70,13 @@ long KVLCodeEnvAccess::Load() {
   long result = KVLResult_Success;
   const KVLVector<MRBUnicodeString> names = ModuleNames();
   modules.handles.Resize(0);
+  // Gathered apart: a module's start-up code may call this very function.
+  KVLVector<LibraryHandler> handles;
   for (const MRBUnicodeString& name : names) {
-    if (!LoadModule(name, modules.handles)) result = KVLResult_Failure;
+    if (!LoadModule(name, handles)) result = KVLResult_Failure;
   }
+  for (const LibraryHandler& handler : handles)
+    modules.handles.Append(handler);
   modules.loaded = true;
   return result;
 }
@@ -81,10 +85,14 @@ long KVLCodeEnvAccess::Unload() {
   KVLCodeEnvAccessImpl& modules = KVLProcessState::modules;
   if (!modules.loaded) return KVLResult_False;
   long result = KVLResult_Success;
-  for (const LibraryHandler& handler : modules.handles) {
+  // Taken out meanwhile: a module's clean-up code may call this very function.
+  KVLVector<LibraryHandler> handles;
+  handles.Swap(modules.handles);
+  for (const LibraryHandler& handler : handles) {
     if (MRBCloseLibrary(handler) != 0) result = KVLResult_Failure;
   }
-  modules.handles.Resize(0);
+  handles.Resize(0);
+  handles.Swap(modules.handles);
   modules.loaded = false;
   return result;
 }

@@ -86,6 +86,11 @@ struct KVLCodeEnvImpl {
   static KVLCodeEnvImpl* Create();
   static void Destroy(KVLCodeEnvImpl* impl);
 
+  bool IsEmpty() const {
+    return aggregatedEnvs.IsEmpty() && subEnvs.GetCount() == 0 && objects.GetCount() == 0;
+  }
+  void LetAllGo();
+
   static KVLCodeEnv& GetSubEnv(const KVLCodeEnv& env, PathSlice path);
   template <class Object>
   static KVLSmartPtr<Object> Find(const KVLCodeEnv& env, const MRBUnicodeString& path,
@@ -139,6 +144,13 @@ struct EntryToNamed {
   }
 };
 
+/// Destroys the content of a container that is empty meanwhile.
+template <class Container>
+void LetGo(Container& container) {
+  Container going;
+  going.Swap(container);
+}
+
 KVLCodeEnv& GetRoot(KVLSmartPtr<KVLCodeEnv>& root, const char* name) {
   if (!root) root = &KVLCodeEnv::GetDefault().GetSubEnv(name);
   return *root;
@@ -152,26 +164,47 @@ KVLCodeEnvImpl* KVLCodeEnvImpl::Create() {
   return ::new (block) KVLCodeEnvImpl();
 }
 
-// Environments may lie one below the other in any number, and a record destroys those below it:
-// from some depth on records wait until the recursion has come back.
+// Environments may lie one below the other in any number, and each destroys those below it: from
+// some depth on, records wait until the recursion has come back. Only environments below, and what
+// holds them, are put off at first: objects die while their environment can still be called.
 void KVLCodeEnvImpl::Destroy(KVLCodeEnvImpl* impl) {
-  constexpr int Deepest = 200;
   thread_local int depth = 0;
   thread_local KVLCodeEnvImpl* waiting = nullptr;
 
-  if (depth == Deepest) {
-    impl->nextWaiting = waiting;
-    waiting = impl;
-    return;
-  }
-  ++depth;
-  impl->~KVLCodeEnvImpl();
-  std::free(impl);
-  --depth;
+  const auto tearDown = [](KVLCodeEnvImpl* record) {
+    constexpr int DeepestWhole = 200;
+    constexpr int DeepestForObjects = 400;
+    ++depth;
+    if (depth <= DeepestWhole) {
+      record->LetAllGo();
+    } else if (depth <= DeepestForObjects) {
+      LetGo(record->objects);
+    }
+    --depth;
+    if (record->IsEmpty()) {
+      record->~KVLCodeEnvImpl();
+      std::free(record);
+      return;
+    }
+    record->nextWaiting = waiting;
+    waiting = record;
+  };
+
+  tearDown(impl);
   while (depth == 0 && waiting) {
     KVLCodeEnvImpl* const next = waiting;
     waiting = next->nextWaiting;
-    Destroy(next);
+    tearDown(next);
+  }
+}
+
+// What dies may call this very environment, and find it whole and without what is going: nothing
+// is destroyed in its place. What such a call leaves here goes in a further round.
+void KVLCodeEnvImpl::LetAllGo() {
+  while (!IsEmpty()) {
+    LetGo(aggregatedEnvs);
+    LetGo(subEnvs);
+    LetGo(objects);
   }
 }
 

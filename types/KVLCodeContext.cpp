@@ -50,8 +50,8 @@ long ReportedResult(const KVLCodeValue& returned) {
 
 }  // namespace
 
-KVLCodeContext::KVLCodeContext()
-    : KVLCodeContext(KVLCodeEnv::GetDefaultTypeRoot(), KVLCodeEnv::GetDefaultConversionsRoot()) {}
+// The roots are made, where they are missing, in this order, which argument lists do not promise.
+KVLCodeContext::KVLCodeContext() : KVLCodeContext(KVLCodeEnv::GetDefaultTypeRoot()) {}
 
 KVLCodeContext::KVLCodeContext(const KVLCodeEnv& types)
     : KVLCodeContext(types, KVLCodeEnv::GetDefaultConversionsRoot()) {}
