@@ -8,8 +8,6 @@
 
 include(CheckCXXCompilerFlag)
 
-set(KVL_MODULE_CHECK "${CMAKE_CURRENT_LIST_DIR}/KVLCheckModule.cmake")
-
 function(kvl_add_module name)
   check_cxx_compiler_flag(-fno-gnu-unique KVL_HAS_NO_GNU_UNIQUE)
   add_library(${name} MODULE ${ARGN})
@@ -26,7 +24,7 @@ function(kvl_add_module name)
       TARGET ${name}
       POST_BUILD
       COMMAND "${CMAKE_COMMAND}" "-DNM=${CMAKE_NM}" "-DMODULE=$<TARGET_FILE:${name}>" -P
-              "${KVL_MODULE_CHECK}"
+              "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/KVLCheckModule.cmake"
       VERBATIM)
   endif()
 endfunction()
