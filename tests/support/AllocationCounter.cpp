@@ -21,7 +21,7 @@ namespace {
 
 std::atomic<long> allocations{0};
 
-void CountAllocation() {
+[[maybe_unused]] void CountAllocation() {
   allocations.fetch_add(1, std::memory_order_relaxed);
 }
 
