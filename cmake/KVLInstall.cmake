@@ -22,18 +22,3 @@ install(
         "${CMAKE_CURRENT_BINARY_DIR}/KVLKernelConfigVersion.cmake" cmake/KVLModule.cmake
         cmake/KVLCheckModule.cmake
   DESTINATION "${packageDir}")
-
-# The program and the libraries that the kernel loads by name, which it finds beside itself. They
-# find the kernel relative to where they lie.
-set(moduleDir "${CMAKE_INSTALL_LIBDIR}")
-if(WIN32)
-  set(moduleDir "${CMAKE_INSTALL_BINDIR}")
-endif()
-file(RELATIVE_PATH fromBinToLib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-foreach(target kvl KVLCodeEnvShell KVLCodeEnv_Alpha)
-  if(TARGET ${target})
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/${fromBinToLib}")
-    install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
-                              LIBRARY DESTINATION "${moduleDir}")
-  endif()
-endforeach()
