@@ -35,6 +35,8 @@ KVLAlgoMatching::KVLAlgoMatching(int nbLeft, int nbRight, Predicate mayMatch, vo
     bestComputed = true;
     return;
   }
+  // Without any pair no table is ever read, however long one side is.
+  if (n1 == 0 || n2 == 0) return;
   edges.Resize(n1 * n2);
   matchLeft.Resize(n1);
   matchRight.Resize(n2);
@@ -135,6 +137,8 @@ bool KVLAlgoMatching::ComputeFullMatching() {
   if (n1 < 1) return true;
   bool complete = true;
   for (int i = 1; i <= n1; ++i) {
+    // Matched by a former pass, which an exception of the predicate ended.
+    if (matchLeft[i - 1] != 0) continue;
     for (int j = 1; j <= n2; ++j) {
       if (matchRight[j - 1] != 0 || !ElemMatch(i, j)) continue;
       Match(i, j);
