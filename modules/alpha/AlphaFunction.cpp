@@ -1,5 +1,6 @@
 #include "AlphaFunction.h"
 
+#include "AlphaList.h"
 #include "KVLCodeContext.h"
 #include "KVLCodePointerValue.h"
 #include "KVLResult.h"
@@ -77,6 +78,11 @@ KVLSmartPtr<KVLCodeValue> AlphaMakeValue(const MRBUnicodeString& typeName,
   if (typeName == "double") return new AlphaScalarValue<AlphaDouble>(valueName);
   if (typeName == "string") return new AlphaScalarValue<AlphaString>(valueName);
   if (typeName == "Point") return new AlphaScalarValue<AlphaPlanePoint>(valueName);
+  if (typeName == AlphaListTypeName) {
+    const KVLSmartPtr<KVLCodeListValue> list = new KVLCodeListValue(valueName, typeName);
+    (void)list->MakeOwnElements();
+    return list;
+  }
   if (typeName == "KVLCodeContext" || typeName == "KVLCodeSession") {
     return new KVLCodePointerValue(valueName, typeName);
   }

@@ -6,6 +6,7 @@
 #include "AlphaScalars.h"
 #include "KVLCodeFunction.h"
 #include "KVLCodeFunctionCaller.h"
+#include "KVLCodeListValue.h"
 
 /// The arguments of one call, as a function's body sees them.
 class AlphaArguments {
@@ -17,6 +18,10 @@ class AlphaArguments {
   template <class Kind>
   typename Kind::Data& Get(int i) const {
     return *static_cast<typename Kind::Data*>(values[i]->GetValuePtr());
+  }
+  /// The elements of argument `i`, which must be a list; null when it has none.
+  const KVLCodeListValue::Elements* GetElements(int i) const {
+    return static_cast<const KVLCodeListValue::Elements*>(values[i]->GetValuePtr());
   }
   KVLCodeValue& GetValue(int i) const { return *values[i]; }
   const KVLCodeContext& GetContext() const { return context; }

@@ -55,6 +55,8 @@ class AlphaScalarValue : public KVLCodeValue {
   /// Between equal types, copies the datum without going through its text.
   long AssignFrom(const KVLCodeContext& context, const KVLCodeValue& source) override;
 
+  Data& GetData() { return data; }
+
  private:
   Data data;
 };

@@ -1,3 +1,4 @@
+#include "AlphaList.h"
 #include "AlphaScalars.h"
 #include "KVLCodeObjectRegisterer.h"
 
@@ -23,5 +24,8 @@ const KVLCodeObjectRegisterer voidType(KVLCodeEnv::GetDefaultTypeRoot(), new Alp
 const KVLCodeObjectRegisterer pointType(KVLCodeEnv::GetDefaultTypeRoot(),
                                         new AlphaScalarType<AlphaPlanePoint>(), "Point",
                                         KVLSourceLocation(__FILE__, __LINE__, ""));
+const KVLCodeObjectRegisterer listType(KVLCodeEnv::GetDefaultTypeRoot(), new AlphaListType(),
+                                       AlphaListTypeName,
+                                       KVLSourceLocation(__FILE__, __LINE__, ""));
 
 }  // namespace
