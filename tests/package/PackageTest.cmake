@@ -1,5 +1,7 @@
 # Steps of the package tests. Each ends the test when it fails.
 
+cmake_minimum_required(VERSION 3.25)
+
 function(run_step)
   execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE output RESULT_VARIABLE result)
   if(NOT result EQUAL 0)

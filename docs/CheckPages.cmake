@@ -1,0 +1,85 @@
+# cmake -DROOT=folder -P CheckPages.cmake
+# Fails unless
+# - every block of C++, CMake or output in README.md and the pages is, to the byte, a file of
+#   docs/examples, and every one of these files is shown;
+# - every public header is named by a page;
+# - every file that a page links to exists.
+
+cmake_minimum_required(VERSION 3.25)
+
+file(GLOB pages "${ROOT}/README.md" "${ROOT}/docs/*.md")
+file(GLOB_RECURSE files "${ROOT}/docs/examples/*")
+file(GLOB headers RELATIVE "${ROOT}/include" "${ROOT}/include/*.h")
+set(shown "")
+set(explained "")
+set(problems "")
+set(fence "```")
+
+macro(problem text)
+  string(APPEND problems "${text}\n")
+endmacro()
+
+# Sets `result` to the file of docs/examples that holds `text`; empty when there is none.
+function(find_example text result)
+  foreach(file IN LISTS files)
+    file(READ "${file}" content)
+    if(text STREQUAL content)
+      set(${result} "${file}" PARENT_SCOPE)
+      return()
+    endif()
+  endforeach()
+  set(${result} "" PARENT_SCOPE)
+endfunction()
+
+foreach(page IN LISTS pages)
+  file(READ "${page}" text)
+  string(APPEND explained "${text}")
+
+  string(REGEX MATCHALL "\\([A-Za-z0-9_./-]+\\.[a-z]+\\)" links "${text}")
+  get_filename_component(folder "${page}" DIRECTORY)
+  foreach(link IN LISTS links)
+    string(REGEX REPLACE "[()]" "" link "${link}")
+    if(link MATCHES "/|\\.md$" AND NOT EXISTS "${folder}/${link}")
+      problem("${page} links to ${link}, which does not exist")
+    endif()
+  endforeach()
+
+  foreach(language cpp cmake text)
+    set(rest "${text}")
+    set(opening "${fence}${language}\n")
+    string(LENGTH "${opening}" openingLength)
+    while(TRUE)
+      string(FIND "${rest}" "${opening}" start)
+      if(start EQUAL -1)
+        break()
+      endif()
+      math(EXPR start "${start} + ${openingLength}")
+      string(SUBSTRING "${rest}" ${start} -1 rest)
+      string(FIND "${rest}" "${fence}" end)
+      string(SUBSTRING "${rest}" 0 ${end} block)
+      string(SUBSTRING "${rest}" ${end} -1 rest)
+      find_example("${block}" example)
+      if(example)
+        list(APPEND shown "${example}")
+      else()
+        problem("${page} shows what is no file of docs/examples:\n${block}")
+      endif()
+    endwhile()
+  endforeach()
+endforeach()
+
+foreach(file IN LISTS files)
+  if(NOT file IN_LIST shown)
+    problem("no page shows ${file}")
+  endif()
+endforeach()
+foreach(header IN LISTS headers)
+  string(FIND "${explained}" "`${header}`" place)
+  if(place EQUAL -1)
+    problem("no page explains ${header}")
+  endif()
+endforeach()
+
+if(problems)
+  message(FATAL_ERROR "${problems}")
+endif()
