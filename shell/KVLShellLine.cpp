@@ -85,6 +85,7 @@ class Reader {
 
   bool ReadWord(KVLShellWord& word) {
     word.position = position;
+    word.isQuoted = bytes[position] == '"';
     while (position < length) {
       const char character = bytes[position];
       if (IsBlank(character) || IsCommandEnd(character)) break;

@@ -8,6 +8,7 @@
 struct KVLShellWord {
   MRBUnicodeString text;  ///< without the quotes and escapes that it was written with
   int position = 0;       ///< of its first byte in the text, from 0
+  bool isQuoted = false;  ///< it begins with a double quote
 };
 
 /// The words of one command; never empty.

@@ -13,9 +13,10 @@
 /// The text is no command line: a quote or a bracket is left open, the command or an option is not
 /// known, or words are missing or too many.
 constexpr long KVLShellResult_Usage = static_cast<std::int32_t>(0x80040202u);
-/// A path, a type, a conversion or a help topic is not there.
+/// A path, a type or a help topic is not there.
 constexpr long KVLShellResult_NotFound = static_cast<std::int32_t>(0x80040203u);
-/// An argument of a call does not fit its parameter, or a value cannot be converted.
+/// An argument of a call does not fit its parameter, is missing or too many; or a value cannot be
+/// converted.
 constexpr long KVLShellResult_Argument = static_cast<std::int32_t>(0x80040204u);
 
 enum KVLExitCode {

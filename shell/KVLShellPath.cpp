@@ -1,0 +1,183 @@
+#include "KVLShellPath.h"
+
+#include <algorithm>
+
+#include "KVLShellResult.h"
+#include "KVLStringOperations.h"
+
+namespace {
+
+constexpr int LongestCompared = 64;  // bytes; a longer name is not worth the comparison
+
+KVLVector<MRBUnicodeString> NamesOf(const MRBUnicodeString& path) {
+  KVLVector<MRBUnicodeString> names;
+  for (const MRBUnicodeString& piece : KVLStringOperations::Split(path, "/")) {
+    if (!piece.IsEmpty()) names.Append(piece);
+  }
+  return names;
+}
+
+MRBUnicodeString PathOf(const KVLVector<MRBUnicodeString>& names, int count) {
+  MRBUnicodeString path;
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) path += "/";
+    path += names[i];
+  }
+  return path;
+}
+
+bool Holds(const KVLShellEnvs& envs, const KVLCodeEnv* env) {
+  for (const KVLSmartPtr<KVLCodeEnv>& held : envs)
+    if (held == env) return true;
+  return false;
+}
+
+KVLShellEnvs Descend(const KVLShellEnvs& envs, const MRBUnicodeString& childName) {
+  KVLShellEnvs children;
+  for (const KVLSmartPtr<KVLCodeEnv>& env : envs) {
+    for (const auto& child : env->IterOnSubEnvs()) {
+      if (child.key == childName && !Holds(children, child.value.Get())) {
+        children.Append(child.value);
+      }
+    }
+  }
+  return children;
+}
+
+KVLShellEnvs Root() {
+  KVLShellEnvs envs;
+  envs.Append(KVLSmartPtr<KVLCodeEnv>(&KVLCodeEnv::GetDefault()));
+  return envs;
+}
+
+char LowerCase(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                              : character;
+}
+
+// How many bytes must be inserted, removed, replaced or exchanged with their neighbour to make one
+// text of the other, letters of either case being equal.
+int EditDistance(const MRBUnicodeString& from, const MRBUnicodeString& to) {
+  const int width = to.GetLengthInByte() + 1;
+  const char* const a = from.ConvertToChar();
+  const char* const b = to.ConvertToChar();
+  // The three last rows of the table of distances between the texts' beginnings.
+  KVLVector<int> beforeLast, last, row;
+  beforeLast.Resize(width);
+  row.Resize(width);
+  for (int j = 0; j < width; ++j)
+    last.Append(j);
+  for (int i = 1; i <= from.GetLengthInByte(); ++i) {
+    row[0] = i;
+    for (int j = 1; j < width; ++j) {
+      const bool isEqual = LowerCase(a[i - 1]) == LowerCase(b[j - 1]);
+      row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (isEqual ? 0 : 1)});
+      if (i > 1 && j > 1 && LowerCase(a[i - 1]) == LowerCase(b[j - 2]) &&
+          LowerCase(a[i - 2]) == LowerCase(b[j - 1])) {
+        row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+      }
+    }
+    beforeLast.Swap(last);
+    last.Swap(row);
+  }
+  return last[width - 1];
+}
+
+}  // namespace
+
+KVLShellPlace KVLShellFind(const MRBUnicodeString& path) {
+  const KVLVector<MRBUnicodeString> names = NamesOf(path);
+  KVLShellPlace place;
+  place.path = PathOf(names, names.GetCount());
+  KVLShellEnvs envs = Root();
+  for (int i = 0; i + 1 < names.GetCount(); ++i)
+    envs = Descend(envs, names[i]);
+  if (names.IsEmpty()) {
+    place.envs = envs;
+    return place;
+  }
+  const MRBUnicodeString& last = names[names.GetCount() - 1];
+  place.envs = Descend(envs, last);
+  if (KVLStringOperations::EndsWith(path, "/")) return place;
+  for (const KVLSmartPtr<KVLCodeEnv>& env : envs) {
+    place.object = env->FindObject(last);
+    if (place.object) break;
+  }
+  return place;
+}
+
+KVLVector<KVLShellChild> KVLShellChildren(const KVLShellEnvs& envs) {
+  KVLVector<KVLShellChild> children;
+  for (const KVLSmartPtr<KVLCodeEnv>& env : envs) {
+    for (const auto& object : env->IterOnObjects())
+      children.Append(KVLShellChild{object.key, object.value, nullptr});
+    for (const auto& subEnv : env->IterOnSubEnvs())
+      children.Append(KVLShellChild{subEnv.key + "/", subEnv.value, subEnv.value});
+  }
+  // Stable, so that the first of equal labels stays the first.
+  std::stable_sort(children.begin(), children.end(),
+                   [](const KVLShellChild& left, const KVLShellChild& right) {
+                     return left.label < right.label;
+                   });
+  KVLVector<KVLShellChild> distinct;
+  for (const KVLShellChild& child : children) {
+    const int count = distinct.GetCount();
+    if (count == 0 || distinct[count - 1].label != child.label) distinct.Append(child);
+  }
+  return distinct;
+}
+
+KVLShellOutcome KVLShellNotFound(const MRBUnicodeString& kind, const MRBUnicodeString& path,
+                                 int position) {
+  const KVLVector<MRBUnicodeString> names = NamesOf(path);
+  KVLShellEnvs envs = Root();
+  int reached = 0;
+  for (; reached + 1 < names.GetCount(); ++reached) {
+    const KVLShellEnvs next = Descend(envs, names[reached]);
+    if (next.IsEmpty()) break;
+    envs = next;
+  }
+  KVLShellOutcome outcome;
+  outcome.code = KVLShellResult_NotFound;
+  outcome.position = position;
+  outcome.message = "no " + kind + " '" + KVLShellPrintable(path) + "'";
+  if (names.IsEmpty()) return outcome;
+
+  const MRBUnicodeString parent = PathOf(names, reached);
+  const MRBUnicodeString prefix = parent.IsEmpty() ? parent : parent + "/";
+  KVLVector<MRBUnicodeString> candidates;
+  for (const KVLShellChild& child : KVLShellChildren(envs)) {
+    const int slash = child.env ? 1 : 0;
+    candidates.Append(child.label.SubString(0, child.label.GetLengthInByte() - slash));
+  }
+  const MRBUnicodeString nearest = KVLShellNearest(names[reached], candidates);
+  if (names.GetCount() > 1) {
+    outcome.message += ": '" + KVLShellPrintable(prefix.IsEmpty() ? "/" : prefix) + "' holds no '" +
+                       KVLShellPrintable(names[reached]) + "'";
+  }
+  if (nearest.IsEmpty()) return outcome;
+  MRBUnicodeString meant = prefix + nearest;
+  for (int i = reached + 1; i < names.GetCount(); ++i) {
+    if (!KVLShellFind(meant + "/" + names[i]).IsFound()) break;
+    meant += "/" + names[i];
+  }
+  outcome.message += "; did you mean '" + KVLShellPrintable(meant) + "'?";
+  return outcome;
+}
+
+MRBUnicodeString KVLShellNearest(const MRBUnicodeString& given,
+                                 const KVLVector<MRBUnicodeString>& candidates) {
+  MRBUnicodeString nearest;
+  if (given.GetLengthInByte() > LongestCompared) return nearest;
+  // One slip in a short name, one more for every three letters of a long one.
+  int tooFar = std::max(1, given.GetLengthInByte() / 3) + 1;
+  for (const MRBUnicodeString& candidate : candidates) {
+    if (candidate.GetLengthInByte() > LongestCompared || candidate == given) continue;
+    const int distance = EditDistance(given, candidate);
+    // What shares no letter with the given name was not meant.
+    if (distance >= tooFar || distance >= given.GetLengthInByte()) continue;
+    tooFar = distance;
+    nearest = candidate;
+  }
+  return nearest;
+}
