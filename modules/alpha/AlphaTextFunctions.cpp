@@ -3,7 +3,6 @@
 
 #include "AlphaFunction.h"
 #include "AlphaList.h"
-#include "AlphaText.h"
 #include "KVLCodeObjectRegisterer.h"
 #include "KVLResult.h"
 
@@ -78,11 +77,6 @@ Value Find(const AlphaArguments& arguments) {
           .SearchSubString(Text(arguments, 1), 0, MRBUnicodeString::MRBSearchForward));
 }
 
-Value Quote(const AlphaArguments& arguments) {
-  // The quoted text is itself a text, which is why its own text form is quoted once more.
-  return AlphaResult<AlphaString>(AlphaQuote(Text(arguments, 0)));
-}
-
 KVLCodeObjectRegisterer Publish(AlphaFunction* function, int line) {
   return KVLCodeObjectRegisterer(KVLCodeEnv::GetDefault(), function, "text/" + function->GetName(),
                                  KVLSourceLocation(__FILE__, line, ""));
@@ -109,7 +103,5 @@ const KVLCodeObjectRegisterer join =
             __LINE__);
 const KVLCodeObjectRegisterer find = Publish(
     new AlphaFunction("find", "int", {{"string"}, {"string"}}, "text, part", Find), __LINE__);
-const KVLCodeObjectRegisterer quote =
-    Publish(new AlphaFunction("quote", "string", {{"string"}}, "text", Quote), __LINE__);
 
 }  // namespace
