@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
-#include <random>
+#include <utility>
+#include <vector>
 
 #include "KVLAlgoMatching.h"
 #include "support/AllocationCounter.h"
