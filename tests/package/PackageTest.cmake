@@ -18,6 +18,11 @@ function(build_project source build)
            KVLCodeEnv_Greeting)
 endfunction()
 
+# The compiler's own libraries lie in the build folder only.
+if(EMULATOR)
+  set(ENV{WINEPATH} "${KVL_BUILD}/bin")
+endif()
+
 # run_program(PROGRAM EXPECTED argument...): the program must succeed and write that text.
 function(run_program program expected)
   execute_process(COMMAND ${EMULATOR} "${program}" ${ARGN} OUTPUT_VARIABLE output
