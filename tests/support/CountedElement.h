@@ -49,7 +49,8 @@ class CountedElementBase {
     state = other.state;
     ++counts.copies;
   }
-  CountedElementBase(CountedElementBase&& other) noexcept : number(other.number), state(Alive) {
+  CountedElementBase(CountedElementBase&& other) noexcept
+      : number(other.number), state(other.state) {
     other.CheckAlive();
     other.LeaveEmpty();
     ++counts.moves;
@@ -67,7 +68,7 @@ class CountedElementBase {
     other.CheckAlive();
     if (this == &other) return *this;
     number = other.number;
-    state = Alive;
+    state = other.state;
     other.LeaveEmpty();
     ++counts.assignments;
     return *this;
