@@ -117,6 +117,34 @@ TEST(KVLAlgoMatching, AnElementWithoutAnyPartnerEndsTheFullQuestionAtOnce) {
   EXPECT_TRUE(AreDistinct(graph.asked));
 }
 
+// From the last element, twelve layers of eight lead nowhere and are searched first; beside them
+// one path of twelve steps leads to the free partner. Trying each way through the layers, all eight
+// to the power of twelve, would not end.
+TEST(KVLAlgoMatching, AnElementThatLeadsNowhereIsSearchedOnceAPhase) {
+  constexpr int Layers = 12;
+  constexpr int Width = 8;
+  constexpr int FirstOfPath = Layers * Width + 1;
+  constexpr int Last = FirstOfPath + Layers;
+  Graph graph(Last, Last);
+  for (int i = 1; i < Last; ++i)
+    graph.Add(i, i);
+  for (int i = 1; i <= (Layers - 1) * Width; ++i) {
+    const int nextLayer = ((i - 1) / Width + 1) * Width;
+    for (int j = 1; j <= Width; ++j)
+      graph.Add(i, nextLayer + j);
+  }
+  for (int i = FirstOfPath; i < Last; ++i)
+    graph.Add(i, i + 1);
+  for (int j = 1; j <= Width; ++j)
+    graph.Add(Last, j);
+  graph.Add(Last, FirstOfPath);
+  KVLAlgoMatching matching(Last, Last, Graph::Ask, &graph);
+  EXPECT_TRUE(matching.HasFullMatching());
+  EXPECT_EQ(matching.GetMatching(Last), FirstOfPath);
+  EXPECT_EQ(matching.GetMatching(1), 1);
+  EXPECT_EQ(matching.GetMatching(Last - 1), Last);
+}
+
 TEST(KVLAlgoMatching, AQuestionAnsweredOnceAsksNothingMore) {
   Graph graph = Crossed();
   KVLAlgoMatching matching(2, 2, Graph::Ask, &graph);
