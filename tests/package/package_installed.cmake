@@ -11,6 +11,25 @@ if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "installed headers: ${installed}\ninstead of: ${expected}")
 endif()
 
+# accepts_version(MAJOR MINOR RESULT): whether find_package would take this package for that version.
+function(accepts_version major minor result)
+  set(PACKAGE_FIND_VERSION "${major}.${minor}")
+  set(PACKAGE_FIND_VERSION_MAJOR "${major}")
+  set(PACKAGE_FIND_VERSION_MINOR "${minor}")
+  include("${prefix}/${KVL_LIBDIR}/cmake/KVLKernel/KVLKernelConfigVersion.cmake")
+  set(${result} "${PACKAGE_VERSION_COMPATIBLE}" PARENT_SCOPE)
+endfunction()
+
+string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" unused "${KVL_VERSION}")
+set(major "${CMAKE_MATCH_1}")
+set(minor "${CMAKE_MATCH_2}")
+math(EXPR nextMinor "${minor} + 1")
+accepts_version("${major}" "${minor}" isAccepted)
+accepts_version("${major}" "${nextMinor}" isNextAccepted)
+if(NOT isAccepted OR isNextAccepted)
+  message(FATAL_ERROR "the package must serve its own minor version and no other")
+endif()
+
 # The project's text lies where it can see nothing of this one's.
 file(COPY "${KVL_SOURCE}/docs/examples/greeting" DESTINATION "${WORK}")
 build_project("${WORK}/greeting" "${WORK}/build" "-DCMAKE_PREFIX_PATH=${prefix}")
