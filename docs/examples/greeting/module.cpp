@@ -1,21 +1,10 @@
 #include <KVLKernel.h>
 
+#include "Text.h"
+
 namespace {
 
-class Text : public KVLCodeValue {
- public:
-  explicit Text(const MRBUnicodeString& valueName) : KVLCodeValue(valueName, "Text") {}
-  long GetValueStr(const KVLCodeContext&, MRBUnicodeString& text) const override {
-    text = content;
-    return KVLResult_Success;
-  }
-  long SetValueStr(const KVLCodeContext&, const MRBUnicodeString& text) override {
-    content = text;
-    return KVLResult_Success;
-  }
-  MRBUnicodeString content;
-};
-
+// Text greet(Text name)
 class Greet : public KVLCodeFunction {
  public:
   Greet() : KVLCodeFunction("greet", 1) {
@@ -23,29 +12,22 @@ class Greet : public KVLCodeFunction {
     returnTypeName = "Text";
   }
   bool IsMethod() const override { return false; }
-  KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override;
-};
-
-class GreetCaller : public KVLCodeFunctionCaller {
- public:
-  GreetCaller(const Greet& greet, const KVLCodeContext& callContext)
-      : KVLCodeFunctionCaller(greet, callContext) {
-    args.Append(new Text("name"));
+  KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override {
+    return new Caller(*this, context);
   }
 
- protected:
-  KVLSmartPtr<KVLCodeValue> CallInternal() override {
-    const KVLSmartPtr<Text> greeting = new Text("greeting");
-    greeting->content = "Hello, " + static_cast<const Text&>(*args[0]).content + "!";
-    return greeting;
-  }
+ private:
+  struct Caller : KVLCodeFunctionCaller {
+    Caller(const Greet& greet, const KVLCodeContext& callContext)
+        : KVLCodeFunctionCaller(greet, callContext) {
+      args.Append(new Text("name"));
+    }
+    KVLSmartPtr<KVLCodeValue> CallInternal() override {
+      return new Text("greeting", "Hello, " + static_cast<const Text&>(*args[0]).content + "!");
+    }
+  };
 };
 
-KVLSmartPtr<KVLCodeFunctionCaller> Greet::CreateCaller(const KVLCodeContext& context) const {
-  return new GreetCaller(*this, context);
-}
-
-// Publishes while the library is loaded, withdraws while it is unloaded.
 const KVLCodeObjectRegisterer greetRegisterer(KVLCodeEnv::GetDefault(), new Greet, "text/greet",
                                               KVLSourceLocation(__FILE__, __LINE__, ""));
 
