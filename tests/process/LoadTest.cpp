@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -346,6 +347,22 @@ TEST(SomeModules, LoadCallsNothingInsideAModule) {
   EXPECT_TRUE(IsMappedAndPublished("KVLCodeEnv_Gamma"));
   EXPECT_EQ(MRBCloseLibrary(early), 0);
   EXPECT_FALSE(IsMappedAndPublished("KVLCodeEnv_Gamma"));
+}
+
+// Folder "traps": KVLCodeEnv_Extra, and what the case puts there.
+
+TEST(Traps, EmptyNamesAndNamesWithAFolderFailAlthoughTheFilesTheyWouldMapToAreThere) {
+  const Names names = {"", "x/KVLCodeEnv_Extra", "x\\KVLCodeEnv_Extra"};
+  const std::filesystem::path folder = ProgramFolder();
+  std::filesystem::create_directory((folder / LibraryFile("x/KVLCodeEnv_Extra")).parent_path());
+  for (const std::string& name : names) {
+    std::filesystem::copy_file(folder / LibraryFile("KVLCodeEnv_Extra"), folder / LibraryFile(name),
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+  SetModulesVariable(";x/KVLCodeEnv_Extra;x\\KVLCodeEnv_Extra");
+  TraceCapture trace;
+  EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_Failure);
+  EXPECT_EQ(trace.GetTexts(), Failures(BuiltIn) + Failures(names));
 }
 
 #if !defined(_WIN32)
