@@ -45,7 +45,8 @@ KVLOptions::Outcome KVLOptions::Read(int argc, char** argv) {
     return ExitWithUsage;
   }
   if (textOption->count() > 0 && fileOption->count() > 0) {
-    std::fprintf(stderr, "kvl: either -c TEXT or FILE, not both\n");
+    std::fprintf(stderr,
+                 "kvl: either -c TEXT or FILE, not both\nRun 'kvl --help' for what it takes.\n");
     return ExitWithUsage;
   }
   if (textOption->count() > 0) {
