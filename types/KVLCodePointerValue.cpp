@@ -31,6 +31,18 @@ class KVLCodePointerHolder : public KVLRefCounted {
   }
 };
 
+namespace {
+
+// Stands in where a pointer value's type is not registered, hence for any type of pointer.
+class StandInType : public KVLCodePointerType {
+ public:
+  using KVLCodePointerType::KVLCodePointerType;
+
+  bool IsDummy() const override { return true; }
+};
+
+}  // namespace
+
 KVLCodePointerValue::KVLCodePointerValue(const MRBUnicodeString& valueName,
                                          const MRBUnicodeString& nameOfType)
     : KVLCodeValue(valueName, nameOfType), holder(new KVLCodePointerHolder(nullptr, false)) {}
@@ -50,7 +62,7 @@ void* KVLCodePointerValue::GetValuePtr() const {
 
 KVLSmartPtr<const KVLCodeType> KVLCodePointerValue::GetType(const KVLCodeContext& context) const {
   KVLSmartPtr<const KVLCodeType> type = KVLCodeValue::GetType(context);
-  if (!type) type = new KVLCodePointerType(GetTypeName());
+  if (!type) type = new StandInType(GetTypeName());
   return type;
 }
 
