@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "KVLCodeEnv.h"
@@ -160,6 +161,20 @@ TEST_F(KVLCodeEnvReentrance, AnObjectMayAddOthersToADyingEnvironmentAndTheyDieWi
     EXPECT_EQ(TrackedObject::nbAlive, 0);
     EXPECT_EQ(TrackedEnv::nbAlive, 0);
   }
+}
+
+TEST_F(KVLCodeEnvReentrance, AnObjectAddedToADyingEnvironmentMayCallItInItsTurn) {
+  EnvPtr env = MakeEnv(10);
+  KVLCodeEnv& borrowed = *env;
+  int nbDeaths = 0;
+  std::function<void()> addAnother = [&] {
+    if (++nbDeaths < 5) borrowed.Add(*new TrackedObject("another", addAnother), "");
+    EXPECT_EQ(borrowed.FindObject("absent"), nullptr);
+  };
+  env->Add(*new TrackedObject("dying", addAnother), "");
+  env = nullptr;
+  EXPECT_EQ(nbDeaths, 5);
+  EXPECT_EQ(TrackedObject::nbAlive, 0);
 }
 
 TEST_F(KVLCodeEnvReentrance, ObjectsOfAChildMayCallTheDyingParentAndTheChildItself) {

@@ -198,6 +198,19 @@ TEST_F(KVLCodeEnvIteration, WithoutMemoryForACursorCarriesAFailureAndYieldsIt) {
   EXPECT_TRUE(entry.value.IsNull());
 }
 
+TEST_F(KVLCodeEnvIteration, CarriesTheFailureOfACursorFromTheBeginningWithAggregationsToo) {
+  if (!FailingAllocations::IsAvailable()) GTEST_SKIP() << "allocations cannot be made to fail";
+  Add("x");
+  env->AggregateEnv(*new KVLCodeEnv("lender"));
+  for (long nth = 1; nth <= 3; ++nth) {
+    const FailingAllocations failing(nth);
+    const KVLCodeEnv::ObjectIter iter = env->IterOnObjects();
+    EXPECT_TRUE(failing.HasFailed());
+    EXPECT_TRUE(iter.GetStatus() == KVLResult_Failure || iter.GetStatus() == KVLResult_OutOfMemory)
+        << nth;
+  }
+}
+
 TEST_F(KVLCodeEnvIteration, FailsWithAStatusWhicheverOfItsCursorsCannotBeMade) {
   if (!FailingAllocations::IsAvailable()) GTEST_SKIP() << "allocations cannot be made to fail";
   const EnvPtr b = new KVLCodeEnv("b");

@@ -52,6 +52,14 @@ TEST_F(KVLCodeEnvPaths, AChildIsMadeOnceAndHeldByItsParentAlone) {
   EXPECT_EQ(KeysOf(env->IterOnSubEnvs()), Names({"a"}));
 }
 
+TEST_F(KVLCodeEnvPaths, AreCreatedThroughAConstEnvironmentToo) {
+  const KVLCodeEnv& constant = *env;
+  EXPECT_EQ(constant.GetSubEnv("a").GetName(), "a");
+  EXPECT_EQ(constant.FindObject("b/x"), nullptr);
+  EXPECT_EQ(constant.FindSubEnv("c/x"), nullptr);
+  EXPECT_EQ(KeysOf(constant.IterOnSubEnvs()), Names({"a", "b", "c"}));
+}
+
 TEST_F(KVLCodeEnvPaths, NamesMayHoldNulBytes) {
   const MRBUnicodeString one("a\0x", 3);
   const MRBUnicodeString other("a\0y", 3);

@@ -85,7 +85,7 @@ class Walk {
     ModelEnv& env = PickReceiver();
     const std::string path = PickPath(env);
     const MRBUnicodeString text(path.c_str());
-    KVLCodeObject& object = *objects[Pick(NbObjects)];
+    KVLCodeObject& object = *objects[static_cast<std::size_t>(Pick(NbObjects))];
     const int kind = Pick(100);
     if (kind < 35) {
       const long result = env.real->Add(object, text);
