@@ -70,7 +70,10 @@ class KVLHashMap {
     if (this != &other) KVLHashMap(other).Swap(*this);
     return *this;
   }
-  KVLHashMap& operator=(KVLHashMap&& other) noexcept = default;
+  KVLHashMap& operator=(KVLHashMap&& other) noexcept {
+    if (this != &other) KVLHashMap(std::move(other)).Swap(*this);
+    return *this;
+  }
 
   /// Exchanges the two contents in constant time.
   void Swap(KVLHashMap& other) noexcept {
@@ -219,14 +222,14 @@ bool KVLHashMap<K, V>::RemoveFirst(const K& key, Accept accept) {
 // uses this very map.
 template <class K, class V>
 void KVLHashMap<K, V>::RemoveLinear(Entry* entry) {
-  const Entry removed(std::move(*entry));
+  [[maybe_unused]] const Entry removed(std::move(*entry));
   entries.Erase(static_cast<int>(entry - entries.begin()));
 }
 
 template <class K, class V>
 void KVLHashMap<K, V>::RemoveHashed(Entry* entry) {
   *LinkTo(entry) = entry->next;
-  const Entry removed(std::move(*entry));
+  [[maybe_unused]] const Entry removed(std::move(*entry));
   Entry* const last = entries.end() - 1;
   if (entry != last) {
     *LinkTo(last) = entry;

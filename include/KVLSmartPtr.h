@@ -79,10 +79,12 @@ class KVLSmartPtr {
     const KVLRefCounted* object;
   };
 
+  // Repeated for what the dying object may have put here.
   void Clear() {
-    T* const old = pointer;
-    pointer = nullptr;
-    if (old) old->Release();
+    while (T* const old = pointer) {
+      pointer = nullptr;
+      old->Release();
+    }
   }
 
   T* pointer;

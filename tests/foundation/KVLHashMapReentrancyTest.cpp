@@ -121,4 +121,21 @@ TEST(KVLHashMapReentrancy, AssigningACopyLetsTheFormerValuesDieOnceTheMapIsWhole
   }
 }
 
+TEST(KVLHashMapReentrancy, MovingAMapOverAnotherLetsTheFormerValuesDieOnceTheMapIsWhole) {
+  for (const int count : {3, 30}) {
+    MortalMap map;
+    Fill(map, count);
+    MortalMap other;
+    Fill(other, 40);
+    int seen = 0;
+    *map.Find(Key(1)) = new Mortal([&] {
+      EXPECT_EQ(map.GetCount(), 40);
+      ExpectConsistent(map);
+      ++seen;
+    });
+    map = std::move(other);
+    EXPECT_EQ(seen, 1);
+  }
+}
+
 }  // namespace

@@ -311,6 +311,27 @@ TEST_F(KVLSmartPtrTest, TheNewObjectOutlivesTheOldOneThatAloneHeldIt) {
   }
 }
 
+// Puts another object into the pointer that lets it go.
+class Usurper : public Object {
+ public:
+  explicit Usurper(KVLSmartPtr<Object>& place) : slot(place) {}
+  ~Usurper() override { slot = new Object("usurper's"); }
+
+ private:
+  KVLSmartPtr<Object>& slot;
+};
+
+TEST_F(KVLSmartPtrTest, WhatTheOldObjectPutsThereWhileItDiesGivesWayToTheNewOne) {
+  KVLSmartPtr<Object> pointer;
+  pointer = new Usurper(pointer);
+  pointer = new Object("new");
+  EXPECT_EQ(pointer->title, "new");
+  EXPECT_EQ(live, 1);
+  pointer = new Usurper(pointer);
+  pointer = nullptr;
+  EXPECT_TRUE(pointer.IsNull());
+}
+
 TEST_F(KVLSmartPtrTest, ComparesWithPointersAndNull) {
   const KVLSmartPtr<Derived> derived(new Derived);
   const KVLSmartPtr<Object> same(derived);
