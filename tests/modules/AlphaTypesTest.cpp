@@ -174,7 +174,7 @@ TEST_F(AlphaTypes, AnyStringReadsBackToTheSameBytes) {
   const KVLCodeContext context;
   for (int i = 0; i < 5000; ++i) {
     MRBUnicodeString data;
-    for (unsigned int length = random() % 8; length > 0; --length) {
+    for (auto length = random() % 8; length > 0; --length) {
       const char byte = "\"\\\n\r\t ,[]x\xFF"[random() % 12];
       data += MRBUnicodeString(&byte, 1);
     }

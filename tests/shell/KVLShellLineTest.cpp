@@ -228,7 +228,7 @@ TEST(KVLShellLine, RandomTextsAreReadOrRefusedInsideTheText) {
   int nbRefused = 0;
   for (int round = 0; round < 50000; ++round) {
     std::string text;
-    for (unsigned int length = random() % 24; length > 0; --length)
+    for (auto length = random() % 24; length > 0; --length)
       text += alphabet[random() % alphabet.size()];
     Commands commands;
     KVLShellSyntaxError error;
