@@ -15,6 +15,8 @@ execute_process(
   COMMAND ${command}
   OUTPUT_VARIABLE output
   RESULT_VARIABLE result)
+# As on Windows.
+string(REPLACE "\r\n" "\n" output "${output}")
 file(READ "${EXPECTED}" expected)
 if(NOT result STREQUAL "0")
   message(FATAL_ERROR "ended with ${result}")

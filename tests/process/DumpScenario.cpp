@@ -15,6 +15,9 @@ int main() {
   KVLCodeEnv::GetDefault().GetSubEnv("_host");
   std::printf("host: before\n");
   if (KVLCodeEnvAccess::CheckAndDump() != KVLResult_Failure) return 1;
+#if !defined(_WIN32)
+  // Shows that the end flushes nothing; on Windows it may.
   std::printf("host: not flushed\n");
+#endif
   std::_Exit(0);
 }

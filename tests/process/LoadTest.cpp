@@ -356,8 +356,9 @@ TEST(Traps, EmptyNamesAndNamesWithAFolderFailAlthoughTheFilesTheyWouldMapToAreTh
   const std::filesystem::path folder = ProgramFolder();
   std::filesystem::create_directory((folder / LibraryFile("x/KVLCodeEnv_Extra")).parent_path());
   for (const std::string& name : names) {
-    std::filesystem::copy_file(folder / LibraryFile("KVLCodeEnv_Extra"), folder / LibraryFile(name),
-                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(folder / LibraryFile(name));
+    std::filesystem::copy_file(folder / LibraryFile("KVLCodeEnv_Extra"),
+                               folder / LibraryFile(name));
   }
   SetModulesVariable(";x/KVLCodeEnv_Extra;x\\KVLCodeEnv_Extra");
   TraceCapture trace;
