@@ -29,8 +29,7 @@ class DerivedOwned : public Owned {
 
   inline static int nbDerivedDeleted = 0;
 
- private:
-  int payload[8] = {};
+  int payload[8] = {};  // larger than the base class, as the deallocation has to know
 };
 
 // Counts the calls of the two hooks.
