@@ -5,10 +5,9 @@
 namespace {
 
 // The platform's loader would take an empty name for the program itself, and a name with a folder
-// or a drive for a path.
+// for a path.
 bool IsLibraryName(const MRBUnicodeString& name) {
-  return !name.IsEmpty() && name.FindPosition("/", 0) == 0 && name.FindPosition("\\", 0) == 0 &&
-         name.FindPosition(":", 0) == 0;
+  return !name.IsEmpty() && name.FindPosition("/", 0) == 0 && name.FindPosition("\\", 0) == 0;
 }
 
 LibraryHandler Open(const char* library, const char* entry) {

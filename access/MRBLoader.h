@@ -6,8 +6,8 @@
 /// The platform's library loader: one file a platform implements it.
 namespace MRBLoader {
 
-/// Loads the library that `name`, which `IsLibraryName` accepts, stands for; null when there is
-/// none or the platform refuses it.
+/// Loads the library that `name`, which is neither empty nor names a folder, stands for; null when
+/// there is none or the platform refuses it.
 void* Open(const MRBUnicodeString& name);
 
 /// The address of `symbol` in `library`, or null.

@@ -1,14 +1,16 @@
 #include <dlfcn.h>
 
-#include "MRBHost.h"
 #include "MRBLoader.h"
 
 namespace {
 
+// An address inside the kernel library; that of an exported function may lie in the program.
+const char insideKernel = 0;
+
 // The folder of the kernel library with its "/", or empty.
 MRBUnicodeString KernelFolder() {
   Dl_info info;
-  if (!dladdr(reinterpret_cast<void*>(&MRBGetEntryPoint), &info) || !info.dli_fname) return "";
+  if (!dladdr(&insideKernel, &info) || !info.dli_fname) return "";
   const MRBUnicodeString path = info.dli_fname;
   const int separator = path.SearchSubString("/", 0, MRBUnicodeString::MRBSearchBackward);
   return path.SubString(0, separator + 1);

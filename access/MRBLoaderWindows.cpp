@@ -48,6 +48,8 @@ WideText BesideKernel(const WideText& file) {
 
 // The folders are named one by one, so that the current directory is never searched.
 void* MRBLoader::Open(const MRBUnicodeString& name) {
+  // A name with a drive would lead to the current directory of that drive.
+  if (name.FindPosition(":", 0) != 0) return nullptr;
   const WideText file = Widen(name + ".dll");
   if (file.IsEmpty()) return nullptr;
   const DWORD programAndSystem = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
