@@ -25,6 +25,8 @@ constexpr char ExitCodes[] =
 KVLOptions::Outcome KVLOptions::Read(int argc, char** argv) {
   CLI::App app(Description, "kvl");
   app.footer(ExitCodes);
+  // A file's path may begin with "/" on every platform.
+  app.allow_windows_style_options(false);
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version", "kvl " KVL_VERSION, "Print the version and exit");
   std::string file;
