@@ -1,17 +1,18 @@
 #include "KVLTerminal.h"
 
-#include <cstdio>
-
 #if defined(_WIN32)
-#include <io.h>
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
 #else
 #include <unistd.h>
 #endif
 
 bool KVLIsInputTerminal() {
 #if defined(_WIN32)
-  return _isatty(_fileno(stdin)) != 0;
+  // Every character device passes for a terminal with the C library; a console alone has a mode.
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 #else
-  return isatty(fileno(stdin)) != 0;
+  return isatty(STDIN_FILENO) != 0;
 #endif
 }
