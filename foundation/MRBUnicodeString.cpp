@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <string_view>
@@ -56,10 +57,10 @@ int Print(MRBUnicodeString& text, T value, const char* format) {
     text = MRBUnicodeString(buffer, count);
     return count;
   }
-  char* const block = Allocate(static_cast<std::size_t>(count));
-  std::snprintf(block, static_cast<std::size_t>(count) + 1, format, value);
-  text = MRBUnicodeString(block, count);
-  std::free(block);
+  const std::unique_ptr<char, void (*)(void*)> block(Allocate(static_cast<std::size_t>(count)),
+                                                     &std::free);
+  std::snprintf(block.get(), static_cast<std::size_t>(count) + 1, format, value);
+  text = MRBUnicodeString(block.get(), count);
   return count;
 }
 
