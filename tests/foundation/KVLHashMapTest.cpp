@@ -252,6 +252,19 @@ TEST(KVLHashMap, AKeyTwiceInsertedIsFoundFirstInTheOrderOfTheSearch) {
   EXPECT_EQ(*hashed.Find("twice"), 1);
 }
 
+TEST(KVLHashMap, ARebuildPutsTheLaterEntryAtTheHeadOfItsChain) {
+  Map map;
+  map.Insert("twice", 1);
+  map.Insert("twice", 2);
+  for (const int places : {16, 24, 100}) {
+    map.Reserve(places);
+    EXPECT_EQ(*map.Find("twice"), 2);
+    EXPECT_EQ(map.begin()[0].value, 1);
+    EXPECT_EQ(map.begin()[1].next, &map.begin()[0]);
+    EXPECT_EQ(map.begin()[0].next, nullptr);
+  }
+}
+
 TEST(KVLHashMap, ReserveGrowsALinearMapToTheLargerOfNeededAndDouble) {
   Map map;
   map.Reserve(3);
@@ -358,13 +371,16 @@ TEST(KVLHashMap, RemovalByKeyAndValueLooksPastAnotherValueOfTheKey) {
   for (const int reserved : {0, 16}) {
     Map map;
     map.Reserve(reserved);
-    map.Insert("twice", 1);
-    map.Insert("twice", 2);
-    EXPECT_TRUE(map.Remove("twice", 1));
-    EXPECT_EQ(*map.Find("twice"), 2);
-    map.Insert("twice", 1);
-    EXPECT_TRUE(map.Remove("twice", 2));
-    EXPECT_EQ(*map.Find("twice"), 1);
+    // Whichever the search meets first, one of the two lies behind the other.
+    for (const int removed : {1, 2}) {
+      map.Insert("twice", 1);
+      map.Insert("twice", 2);
+      EXPECT_FALSE(map.Remove("twice", 3));
+      EXPECT_TRUE(map.Remove("twice", removed));
+      EXPECT_EQ(*map.Find("twice"), 3 - removed);
+      EXPECT_TRUE(map.Remove("twice"));
+      EXPECT_EQ(map.GetCount(), 0);
+    }
   }
 }
 

@@ -114,8 +114,11 @@ static_assert(
 static_assert(std::has_virtual_destructor_v<KVLRefCounted>);
 static_assert(std::is_same_v<decltype(&KVLRefCounted::AddRef), void (KVLRefCounted::*)() const>);
 static_assert(std::is_same_v<decltype(&KVLRefCounted::Release), void (KVLRefCounted::*)() const>);
-// A 32-bit count behind the table of virtual operations.
-static_assert(sizeof(KVLRefCounted) <= 2 * sizeof(void*));
+// A 32-bit count behind the table of virtual operations: a number of the same size fits beside it.
+struct CountedNumber : KVLRefCounted {
+  int number = 0;
+};
+static_assert(sizeof(CountedNumber) == sizeof(void*) + 2 * sizeof(int));
 
 TEST_F(KVLRefCountedTest, TheReleaseThatReaches0Destroys) {
   const Object* const object = new Object;

@@ -19,6 +19,7 @@ using Pieces = std::vector<std::string>;
 
 static_assert(Ops::DepthParentheses == 1 && Ops::DepthBraces == 2);
 static_assert(Ops::DepthBrackets == 4 && Ops::DepthQuotes == 8);
+static_assert(Ops::DepthNone == 0 && Ops::DepthAll == 15 && sizeof(Ops::DepthChars) == 4);
 static_assert(!std::is_default_constructible_v<Ops>);
 
 Ops::DepthChars Depth(int flags) {
@@ -191,6 +192,8 @@ TEST(KVLStringOperations, SplitWithDepthKeepsNestedPiecesWhole) {
                         {"\"a\\\"b,\",c", 8, {"\"a\\\"b,\"", "c"}},
                         {"\"a\\\\\",b", 15, {"\"a\\\\\"", "b"}},
                         {"\"(\",a", 15, {"\"(\"", "a"}},
+                        {"\"\",a", 15, {"\"\"", "a"}},
+                        {"\"\\\",\",a", 15, {"\"\\\",\"", "a"}},
                         {"(\")\",a),b", 15, {"(\")\",a)", "b"}},
                         {"(\"a,\\\")\",b),c", 15, {"(\"a,\\\")\",b)", "c"}},
                         {"a\\,b", 15, {"a\\", "b"}},
@@ -266,6 +269,31 @@ TEST(KVLStringOperations, JoinPutsTheSeparatorBetweenPieces) {
   EXPECT_EQ(Ops::Join(KVLIter<String>(KVLResult_Success), ","), "");
 }
 
+// Yields "a", "b" and "c", then a failure; counts how many of its kind live.
+class FailingPieces : public KVLIterCursor<String> {
+ public:
+  explicit FailingPieces(int& liveCounter) : live(liveCounter) { ++live; }
+  ~FailingPieces() override { --live; }
+  long Next(String& piece) override {
+    if (letter > 'c') return KVLResult_OutOfMemory;
+    piece = String(&letter, 1);
+    ++letter;
+    return KVLResult_Success;
+  }
+
+ private:
+  int& live;
+  char letter = 'a';
+};
+
+TEST(KVLStringOperations, JoinEndsAtAFailureAndLetsTheIterationGo) {
+  int live = 0;
+  KVLIter<String> pieces(new FailingPieces(live));
+  EXPECT_EQ(Ops::Join(std::move(pieces), "-"), "a-b-c");
+  EXPECT_EQ(live, 0);
+  EXPECT_EQ(pieces.GetStatus(), KVLResult_False);
+}
+
 TEST(KVLStringOperations, SubStringBetweenCountsNegativePositionsFromTheEnd) {
   struct Case {
     int from;
@@ -290,6 +318,7 @@ TEST(KVLStringOperations, SubStringBetweenCountsNegativePositionsFromTheEnd) {
                         {INT_MIN, INT_MAX, "abcdef"},
                         {INT_MIN, INT_MIN, ""},
                         {INT_MAX, 0, ""},
+                        {INT_MAX, INT_MIN, ""},
                         {-6, 6, "abcdef"},
                         {-7, 1, "a"}};
   for (const Case& one : cases)

@@ -257,6 +257,15 @@ TEST(KVLVector, ResizeUpAppendsDefaultElementsAndGrowsToTheLargerOfNeededAndDoub
   EXPECT_EQ(CountedElement::Counts().constructions, 100);
 }
 
+TEST(KVLVector, ResizeUpDoublesTheCapacityNotTheCount) {
+  KVLVector<int> vector;
+  vector.Reserve(5);
+  Fill(vector, 2);
+  vector.Resize(6);
+  EXPECT_EQ(vector.GetCapacity(), 10);
+  EXPECT_EQ(Numbers(vector), (std::vector<int>{0, 1, 0, 0, 0, 0}));
+}
+
 TEST(KVLVector, ResizeUpMakesNumbersAndPointersNull) {
   KVLVector<int> numbers;
   KVLVector<void*> pointers;

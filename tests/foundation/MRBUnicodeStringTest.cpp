@@ -245,7 +245,7 @@ TEST(MRBUnicodeString, AppendingByteByByteAllocatesSeldom) {
   EXPECT_EQ(text.GetLengthInChar(), 100000);
 }
 
-TEST(MRBUnicodeString, ALengthBeyondTheLimitThrowsAndChangesNothing) {
+TEST(MRBUnicodeString, ALengthBeyondTheLimitThrows) {
   EXPECT_THROW(String("x", INT_MAX), std::bad_alloc);
 }
 
@@ -388,6 +388,19 @@ TEST(MRBUnicodeString, HashesOfSimilarNamesDiffer) {
     hashes[i] = text.ComputeHashKey();
     for (int j = 0; j < i; ++j)
       ASSERT_NE(hashes[j], hashes[i]) << i << " and " << j;
+  }
+}
+
+TEST(MRBUnicodeString, EveryByteCountsInTheHash) {
+  for (int length = 1; length <= 40; ++length) {
+    const std::string text(static_cast<std::size_t>(length), 'a');
+    const unsigned int hash = String(text.c_str()).ComputeHashKey();
+    EXPECT_NE(String(text.c_str(), length - 1).ComputeHashKey(), hash) << length;
+    for (int place = 0; place < length; ++place) {
+      std::string changed = text;
+      changed[static_cast<std::size_t>(place)] = 'b';
+      EXPECT_NE(String(changed.c_str()).ComputeHashKey(), hash) << place << " of " << length;
+    }
   }
 }
 
