@@ -135,6 +135,23 @@ TEST(KVLCodeFunctionBinding, RefusesAParameterText) {
   EXPECT_EQ(function->nbInits, 0);
 }
 
+TEST(KVLCodeFunctionBinding, ARefusedParameterTextDoesNotReachTheHook) {
+  class Hooked : public KVLCodeFunctionBinding {
+   public:
+    using KVLCodeFunctionBinding::KVLCodeFunctionBinding;
+    int nbInits = 0;
+
+   protected:
+    long InitImpl() override {
+      ++nbInits;
+      return KVLResult_Success;
+    }
+  };
+  const KVLSmartPtr<Hooked> binding = new Hooked(*Three(), Value("A"));
+  EXPECT_EQ(binding->Init("x"), KVLResult_NotImplemented);
+  EXPECT_EQ(binding->nbInits, 0);
+}
+
 TEST(KVLCodeFunctionBinding, IsAMethodAsLongAsTheObjectIsOpen) {
   const FunctionPtr function = Three();
   function->method = true;
@@ -166,6 +183,23 @@ TEST(KVLCodeFunctionBinding, InitBindingsFollowsTheFunction) {
   EXPECT_EQ(binding->ToStringCode(), "int f(B& b=2, C c)");
   binding->InitBindings();
   EXPECT_EQ(binding->ToStringCode(), "int f(B& y=7, C z=8)");
+}
+
+// Can be given another return type.
+class Retypable : public TestFunction {
+ public:
+  using KVLCodeFunction::returnTypeName;
+  using TestFunction::TestFunction;
+};
+
+TEST(KVLCodeFunctionBinding, InitBindingsTakesTheReturnTypeToo) {
+  const KVLSmartPtr<Retypable> function =
+      new Retypable("f", "int", std::initializer_list<kvltest::TestParam>{{"a", "A"}});
+  const KVLSmartPtr<Rebuilding> binding = new Rebuilding(*function, FixedValues());
+  function->returnTypeName = "long";
+  EXPECT_EQ(binding->GetReturnTypeName(), "int");
+  binding->InitBindings();
+  EXPECT_EQ(binding->GetReturnTypeName(), "long");
 }
 
 TEST(KVLCodeFunctionBinding, OfABindingFixesWhatThatOneLeftOpen) {

@@ -65,6 +65,18 @@ TEST(KVLCodeFunctionCallerBinding, FixedValuesAreConvertedToTheArgumentsType) {
   EXPECT_EQ(ContentOf(function->lastCaller->GetArg(0)), "returned");
 }
 
+TEST(KVLCodeFunctionCallerBinding, FixedValuesAreCopiedInOnceWhenTheCallerIsMade) {
+  const World world;
+  const TextPtr fixed = MakeText("T", "early");
+  const FunctionPtr function = MakeFunction("f", "T", {{"a", "T"}});
+  const CallerPtr caller = Bind(function, fixed)->CreateCaller(world.context);
+  const KVLSmartPtr<KVLCodeValue> arg = function->lastCaller->GetArg(0);
+  fixed->content = "late";
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_EQ(ContentOf(arg), "early");
+  EXPECT_EQ(static_cast<const TextValue&>(*arg).nbAssigns, 1);
+}
+
 TEST(KVLCodeFunctionCallerBinding, AFixedValueThatCannotBeAssignedIsIgnored) {
   const World world;
   const TextPtr fixed = MakeText("T");
@@ -96,6 +108,32 @@ TEST(KVLCodeFunctionCallerBinding, FixedOutputsReceiveTheResult) {
     EXPECT_EQ(caller->Call(), KVLResult_Success);
     EXPECT_EQ(fixed->content, "out");
   }
+}
+
+TEST(KVLCodeFunctionCallerBinding, FixedOutputsAreConvertedBack) {
+  World world;
+  world.conversions->Add(*MakeFunction("S", "S", {{"from", "T"}}), "T/");
+  const TextPtr fixed = MakeText("S", "fixed");
+  const CallerPtr caller = Bind(Writer(Out, MakeText("T")), fixed)->CreateCaller(world.context);
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_EQ(fixed->content, "returned");
+}
+
+TEST(KVLCodeFunctionCallerBinding, AValueThatFixesTwoOutputsEndsWithTheLater) {
+  const World world;
+  const FunctionPtr function =
+      MakeFunction("f", "T", {{"a", "T", Out}, {"b", "T", Out}}, [](Values& args) {
+        static_cast<TextValue&>(*args[0]).content = "first";
+        static_cast<TextValue&>(*args[1]).content = "second";
+        return MakeText("T");
+      });
+  const TextPtr fixed = MakeText("T");
+  FixedValues values;
+  values.Append(fixed);
+  values.Append(fixed);
+  const BindingPtr binding = new KVLCodeFunctionBinding(*function, values);
+  EXPECT_EQ(binding->CreateCaller(world.context)->Call(), KVLResult_Success);
+  EXPECT_EQ(fixed->content, "second");
 }
 
 TEST(KVLCodeFunctionCallerBinding, FixedInputsStayAsTheyAre) {
@@ -195,6 +233,46 @@ TEST(KVLCodeFunctionCallerBinding, MissingInnerArgumentsAreLeftOut) {
   EXPECT_EQ(none->GetNbArgs(), 0);
   EXPECT_EQ(none->Call(), KVLResult_Success);
   EXPECT_EQ(fixed->content, "fixed");
+}
+
+TEST(KVLCodeFunctionCallerBinding, ANullInnerArgumentKeepsItsPlace) {
+  const World world;
+  const FunctionPtr function = MakeFunction("f", "T", {{"a", "T", Out}, {"b", "T"}, {"c", "T"}});
+  function->makeArg = [](const KVLCodeFunction::Param& param) {
+    return param.name == "c" ? MakeText("T") : TextPtr();
+  };
+  const TextPtr fixed = MakeText("T", "fixed");
+  const CallerPtr caller = Bind(function, fixed)->CreateCaller(world.context);
+  ASSERT_EQ(caller->GetNbArgs(), 2);
+  EXPECT_TRUE(caller->GetArg(0).IsNull());
+  EXPECT_EQ(caller->GetArg(1), function->lastCaller->GetArg(2));
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_EQ(fixed->nbAssigns, 0);
+}
+
+TEST(KVLCodeFunctionCallerBinding, OfABindingPassesThroughBoth) {
+  const World world;
+  const FunctionPtr function =
+      MakeFunction("f", "T", {{"a", "T", InOut}, {"b", "T"}, {"c", "T", InOut}}, [](Values& args) {
+        const TextPtr returned =
+            MakeText("T", ContentOf(args[0]) + ContentOf(args[1]) + ContentOf(args[2]));
+        static_cast<TextValue&>(*args[0]).content = "out a";
+        static_cast<TextValue&>(*args[2]).content = "out c";
+        return returned;
+      });
+  const TextPtr first = MakeText("T", "1");
+  const TextPtr third = MakeText("T", "3");
+  FixedValues values;
+  values.Append(nullptr);
+  values.Append(third);
+  const BindingPtr outer = new KVLCodeFunctionBinding(*Bind(function, first), values);
+  const CallerPtr caller = outer->CreateCaller(world.context);
+  ASSERT_EQ(caller->GetNbArgs(), 1);
+  EXPECT_EQ(caller->SetArgStr(0, "2"), KVLResult_Success);
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_EQ(ContentOf(caller->GetReturnedValue()), "123");
+  EXPECT_EQ(first->content, "out a");
+  EXPECT_EQ(third->content, "out c");
 }
 
 TEST(KVLCodeFunctionCallerBinding, KeepsBindingAndInnerCallerAlive) {

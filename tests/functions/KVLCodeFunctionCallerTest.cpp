@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
+#include <utility>
 
 #include "support/TestObjects.h"
 
@@ -163,6 +165,47 @@ TEST(KVLCodeFunctionCaller, AnArgumentMayBeSetFromItself) {
   EXPECT_EQ(TextArg(*caller, 0).content, "7");
 }
 
+// Keeps the context that it was last used in.
+class Witness : public KVLCodeValue {
+ public:
+  Witness() : KVLCodeValue("witness", "Witness") {}
+  long GetValueStr(const KVLCodeContext& context, MRBUnicodeString&) const override {
+    seen = &context;
+    return KVLResult_Success;
+  }
+  long SetValueStr(const KVLCodeContext& context, const MRBUnicodeString&) override {
+    seen = &context;
+    return KVLResult_Success;
+  }
+  long AssignFrom(const KVLCodeContext& context, const KVLCodeValue&) override {
+    seen = &context;
+    return KVLResult_Success;
+  }
+
+  mutable const KVLCodeContext* seen = nullptr;
+};
+
+TEST(KVLCodeFunctionCaller, WorksInItsContextThroughoutAndSoDoesACopy) {
+  const World world;
+  const KVLSmartPtr<Witness> witness = new Witness();
+  const FunctionPtr function =
+      MakeFunction("f", "", {{"a", "Witness"}}, [](Values& args) { return args[0]; });
+  function->makeArg = [&witness](const KVLCodeFunction::Param&) { return witness; };
+  const KVLSmartPtr<TestCaller> original = new TestCaller(*function, world.context);
+  EXPECT_EQ(original->Call(), KVLResult_Success);
+  for (const KVLSmartPtr<TestCaller>& caller : {original, {new TestCaller(*original)}}) {
+    MRBUnicodeString text;
+    EXPECT_EQ(caller->GetArgStr(0, text), KVLResult_Success);
+    EXPECT_EQ(std::exchange(witness->seen, nullptr), &world.context);
+    EXPECT_EQ(caller->SetArgStr(0, "x"), KVLResult_Success);
+    EXPECT_EQ(std::exchange(witness->seen, nullptr), &world.context);
+    EXPECT_EQ(caller->SetArg(0, MakeText("T")), KVLResult_Success);
+    EXPECT_EQ(std::exchange(witness->seen, nullptr), &world.context);
+    EXPECT_EQ(caller->GetReturnedValueStr(text), KVLResult_Success);
+    EXPECT_EQ(std::exchange(witness->seen, nullptr), &world.context);
+  }
+}
+
 // The call.
 
 TEST(KVLCodeFunctionCallerCall, ReturnsZeroAndKeepsTheReturnedValue) {
@@ -245,6 +288,7 @@ TEST(KVLCodeFunctionCallerCall, AMethodOnANullObjectThrowsBeforeItsBodyRuns) {
     caller->Call();
     FAIL() << "nothing was thrown";
   } catch (const std::runtime_error& error) {
+    EXPECT_EQ(typeid(error), typeid(std::runtime_error));
     EXPECT_STREQ(error.what(), "Calling method on null pointer");
   }
   EXPECT_EQ(function->nbCalls, 1);

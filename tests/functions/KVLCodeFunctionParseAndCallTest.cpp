@@ -157,6 +157,27 @@ TEST(KVLCodeFunctionParseAndCall, AnInputThatCannotBeReadGivesItsCodeAndNoCall) 
   EXPECT_EQ(result, "kept");
 }
 
+TEST(KVLCodeFunctionParseAndCall, InputsAreReadInOrderUpToTheFirstThatFails) {
+  const World world;
+  const FunctionPtr function =
+      MakeFunction("f", "text", {{"a", "text"}, {"b", "text"}, {"c", "text"}, {"d", "text"}});
+  Values args;
+  function->makeArg = [&args](const KVLCodeFunction::Param& param) {
+    const TextPtr arg = MakeText(param.typeName);
+    if (param.name == "b") arg->writeResult = -12;
+    if (param.name == "c") arg->writeResult = -13;
+    args.Append(arg);
+    return arg;
+  };
+  Texts texts = MakeTexts({"x", "y", "z", "u"});
+  MRBUnicodeString result;
+  EXPECT_EQ(function->ParseAndCall(world.context, texts, result), -12);
+  EXPECT_EQ(Text(args, 0).content, "x");
+  EXPECT_EQ(Text(args, 2).nbWrites, 0);
+  EXPECT_EQ(Text(args, 3).nbWrites, 0);
+  EXPECT_EQ(function->nbCalls, 0);
+}
+
 TEST(KVLCodeFunctionParseAndCall, PositiveCodesDoNotStop) {
   World world;
   RegisterText(world, 12, 13);

@@ -67,6 +67,17 @@ TEST(KVLCodeFunction, ACopyHasParametersAndReturnTypeOfItsOwn) {
   EXPECT_EQ(function->GetParam(0).name, "x");
 }
 
+TEST(KVLCodeFunction, ACopyTakesTheMessagesAlongAndGathersItsOwnFromThenOn) {
+  const FunctionPtr function = Example();
+  EXPECT_EQ(function->Init("a,b,c"), KVLResult_Success);
+  const FunctionPtr copy = new kvltest::TestFunction(*function);
+  ASSERT_EQ(copy->Check().GetCount(), 1);
+  EXPECT_EQ(copy->Check()[0], "Too many parameters. Expected 2, got 3.");
+  EXPECT_EQ(copy->Init("a="), KVLResult_Success);
+  EXPECT_EQ(copy->Check().GetCount(), 2);
+  EXPECT_EQ(function->Check().GetCount(), 1);
+}
+
 TEST(KVLCodeFunction, IsAFunctionAndNothingElse) {
   const PlainPtr function = new PlainFunction("f");
   KVLCodeObject& object = *function;
@@ -245,6 +256,13 @@ TEST(KVLCodeFunctionInit, ReturnsWhatTheHookReturnsWhateverTheMessages) {
   EXPECT_EQ(function->Check().GetCount(), 6);
 }
 
+TEST(KVLCodeFunctionInit, TheHookIsCalledForAnEmptyTextToo) {
+  const FunctionPtr function = Example();
+  function->initResult = -3;
+  EXPECT_EQ(function->Init(""), -3);
+  EXPECT_EQ(function->nbInits, 1);
+}
+
 TEST(KVLCodeFunctionInit, TheHookComesLast) {
   class Hooked : public PlainFunction {
    public:
@@ -271,6 +289,15 @@ TEST(KVLCodeFunctionInit, AFailedSplitGivesItsCodeAndChangesNothing) {
   EXPECT_EQ(function->ToStringCode(), "int f(double x=1, int& r)");
   EXPECT_EQ(function->Check().GetCount(), 0);
   EXPECT_EQ(function->nbInits, 0);
+}
+
+TEST(KVLCodeFunctionInit, MayBeGivenATextOfTheFunctionsOwn) {
+  const PlainPtr function = new PlainFunction("f", 2);
+  EXPECT_EQ(function->Init("a=(x=1,y)"), KVLResult_Success);
+  EXPECT_EQ(function->Init(function->GetParam(0).defaultValue), KVLResult_Success);
+  EXPECT_EQ(function->ToStringCode(), " f( (x=1,y),  param2)");
+  EXPECT_EQ(function->Init(function->GetParam(0).name), KVLResult_Success);
+  EXPECT_EQ(function->ToStringCode(), " f( (x=1,y),  param2)");
 }
 
 TEST(KVLCodeFunctionInit, ALongTextIsTakenItemByItem) {

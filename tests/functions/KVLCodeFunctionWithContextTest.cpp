@@ -156,13 +156,65 @@ TEST(KVLCodeFunctionCallerWithContext, AnOpenArgumentIsLeftAloneWhateverItsOwnTy
 
 TEST(KVLCodeFunctionCallerWithContext, ChangeComesForThePlaceholderAndForThePointer) {
   const World world;
-  const FunctionPtr function = MakeFunction("f", "T", {{"ctx", "KVLCodeContext"}});
+  const FunctionPtr function =
+      MakeFunction("f", "T", {{"ctx", "KVLCodeContext"}, {"ses", "KVLCodeSession"}});
   function->makeArg = [](const KVLCodeFunction::Param& param) {
     return KVLSmartPtr<KVLCodeValue>(new HookedPointer(param.typeName));
   };
   const WithContextPtr bound = new KVLCodeFunctionWithContext(*function);
   const CallerPtr caller = bound->CreateCaller(world.context);
-  EXPECT_EQ(static_cast<const HookedPointer&>(*function->lastCaller->GetArg(0)).nbChanges, 2);
+  KVLCodeFunctionCaller& inner = *function->lastCaller;
+  EXPECT_EQ(static_cast<const HookedPointer&>(*inner.GetArg(0)).nbChanges, 2);
+  // A session that is null is set too.
+  EXPECT_EQ(static_cast<const HookedPointer&>(*inner.GetArg(1)).nbChanges, 2);
+}
+
+TEST(KVLCodeFunctionCallerWithContext, EveryParameterOfTheTwoTypesIsFilledIn) {
+  const World world;
+  KVLCodeSession session;
+  KVLCodeContext context(*world.types, *world.conversions);
+  context.SetSession(&session);
+  const FunctionPtr function = MakeFunction("f", "T",
+                                            {{"a", "KVLCodeSession"},
+                                             {"b", "KVLCodeContext"},
+                                             {"c", "KVLCodeContext"},
+                                             {"d", "KVLCodeSession"}});
+  const WithContextPtr bound = new KVLCodeFunctionWithContext(*function);
+  const CallerPtr caller = bound->CreateCaller(context);
+  EXPECT_EQ(caller->GetNbArgs(), 0);
+  KVLCodeFunctionCaller& inner = *function->lastCaller;
+  EXPECT_EQ(inner.GetArg(0)->GetValuePtr(), &session);
+  EXPECT_EQ(inner.GetArg(1)->GetValuePtr(), &context);
+  EXPECT_EQ(inner.GetArg(2)->GetValuePtr(), &context);
+  EXPECT_EQ(inner.GetArg(3)->GetValuePtr(), &session);
+}
+
+TEST(KVLCodeFunctionCallerWithContext, TheSessionIsTheOneOfTheMomentWhenTheCallerIsMade) {
+  const World world;
+  KVLCodeSession session;
+  KVLCodeSession later;
+  KVLCodeContext context(*world.types, *world.conversions);
+  context.SetSession(&session);
+  const FunctionPtr function = Hidden();
+  const WithContextPtr bound = new KVLCodeFunctionWithContext(*function);
+  const CallerPtr caller = bound->CreateCaller(context);
+  context.SetSession(&later);
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_EQ(function->lastCaller->GetArg(2)->GetValuePtr(), &session);
+}
+
+TEST(KVLCodeFunctionCallerWithContext, MissingInnerArgumentsAreNotFilledIn) {
+  const World world;
+  const FunctionPtr function = Hidden();
+  function->body = [](Values&) { return MakeText("T", "called"); };
+  const WithContextPtr bound = new KVLCodeFunctionWithContext(*function);
+  function->makeArg = [](const KVLCodeFunction::Param&) { return nullptr; };
+  const CallerPtr null = bound->CreateCaller(world.context);
+  EXPECT_EQ(null->GetNbArgs(), 2);
+  EXPECT_EQ(null->Call(), KVLResult_Success);
+  EXPECT_EQ(ContentOf(null->GetReturnedValue()), "called");
+  function->nbArgs = 1;
+  EXPECT_EQ(bound->CreateCaller(world.context)->GetNbArgs(), 1);
 }
 
 TEST(KVLCodeFunctionCallerWithContext, NeitherContextNorSessionIsOwned) {
