@@ -295,6 +295,26 @@ TEST(KVLCodePointerValue, APositiveCodeOfTheParsingBecomesSuccess) {
   EXPECT_EQ(value->nbChanges, 1);
 }
 
+// Has no type at all.
+class TypelessPointer : public HookedPointer {
+ public:
+  KVLSmartPtr<const KVLCodeType> GetType(const KVLCodeContext&) const override { return nullptr; }
+};
+
+TEST(KVLCodePointerValue, WithoutATypeTextCanNeitherBeReadNorWritten) {
+  const World world;
+  int thing = 0;
+  const HookedPtr value = new TypelessPointer();
+  MRBUnicodeString text;
+  EXPECT_EQ(value->GetValueStr(world.context, text), KVLResult_Success);
+  EXPECT_EQ(text, "NULL");
+  value->SetPointer(&thing, false);
+  value->nbChanges = 0;
+  EXPECT_EQ(value->GetValueStr(world.context, text), KVLResult_Failure);
+  EXPECT_EQ(value->SetValueStr(world.context, "x"), KVLResult_Failure);
+  EXPECT_EQ(value->nbChanges, 0);
+}
+
 // Assignment.
 
 TEST(KVLCodePointerValueAssign, EqualTypeNamesShareTheHolder) {
@@ -303,6 +323,14 @@ TEST(KVLCodePointerValueAssign, EqualTypeNamesShareTheHolder) {
   const PointerPtr target = MakePointer();
   EXPECT_EQ(target->AssignFrom(world.context, *MakePointer(&thing)), KVLResult_Success);
   EXPECT_EQ(target->GetValuePtr(), &thing);
+}
+
+TEST(KVLCodePointerValueAssign, ASourceThatPointsToNothingEmptiesTheTarget) {
+  const World world;
+  int thing = 0;
+  const PointerPtr target = MakePointer(&thing);
+  EXPECT_EQ(target->AssignFrom(world.context, *MakePointer()), KVLResult_Success);
+  EXPECT_EQ(target->GetValuePtr(), nullptr);
 }
 
 TEST(KVLCodePointerValueAssign, ADescendantSharesItsHolder) {
@@ -342,6 +370,24 @@ TEST(KVLCodePointerValueAssign, ANegativeCodeOfThePlainAssignmentIsReturnedAsItI
   EXPECT_EQ(target->nbChanges, 0);
 }
 
+// Passes a positive code of its type on.
+class CandidPointer : public HookedPointer {
+ public:
+  long SetValueStr(const KVLCodeContext& context, const MRBUnicodeString& text) override {
+    const long result = HookedPointer::SetValueStr(context, text);
+    return KVLFailed(result) ? result : 4;
+  }
+};
+
+TEST(KVLCodePointerValueAssign, APositiveCodeOfThePlainAssignmentBecomesSuccess) {
+  World world;
+  const KVLSmartPtr<NumberType> type = world.Register(new NumberType("Thing"));
+  const PointerPtr target = new CandidPointer();
+  EXPECT_EQ(target->SetValueStr(world.context, "set"), 4);
+  EXPECT_EQ(target->AssignFrom(world.context, *MakeText("text", "set")), KVLResult_Success);
+  EXPECT_EQ(target->GetValuePtr(), &type->number);
+}
+
 TEST(KVLCodePointerValueAssign, AConversionGivesItsPointer) {
   World world;
   int thing = 0;
@@ -356,11 +402,13 @@ TEST(KVLCodePointerValueAssign, AConversionGivesItsPointer) {
 TEST(KVLCodePointerValueAssign, AValueAssignedToItselfKeepsWhatItOwns) {
   const World world;
   Owned::nbDeleted = 0;
-  const PointerPtr value = MakePointer();
+  const HookedPtr value = new HookedPointer();
   value->SetPointer(new Owned(), true);
+  value->nbChanges = 0;
   EXPECT_EQ(value->AssignFrom(world.context, *value), KVLResult_Success);
   EXPECT_EQ(Owned::nbDeleted, 0);
   EXPECT_TRUE(value->IsValued());
+  EXPECT_EQ(value->nbChanges, 1);
 }
 
 TEST(KVLCodePointerValueAssign, ValuesOnTheStackSurvive) {
@@ -403,7 +451,38 @@ TEST(KVLCodePointerValueCompare, TwoNothingsAreEqualByTheirText) {
 
 // Hooks.
 
+// Finds its object when it is first asked for it.
+class LazyPointer : public KVLCodePointerValue {
+ public:
+  explicit LazyPointer(void* lazyObject)
+      : KVLCodePointerValue("lazy", "Thing"), object(lazyObject) {}
+  void OnAccess() const override {
+    if (isFound) return;
+    isFound = true;
+    const_cast<LazyPointer*>(this)->SetPointer(object, false);
+  }
+
+ private:
+  void* const object;
+  mutable bool isFound = false;
+};
+
 TEST(KVLCodePointerValueHooks, AccessComesBeforeThePointerIsRead) {
+  World world;
+  world.Register(new NumberType("Thing"));
+  int thing = 17;
+  EXPECT_EQ(PointerPtr(new LazyPointer(&thing))->GetValuePtr(), &thing);
+  MRBUnicodeString text;
+  EXPECT_EQ(PointerPtr(new LazyPointer(&thing))->GetValueStr(world.context, text),
+            KVLResult_Success);
+  EXPECT_EQ(text, "17");
+  const PointerPtr target = MakePointer();
+  EXPECT_EQ(target->AssignFrom(world.context, *PointerPtr(new LazyPointer(&thing))),
+            KVLResult_Success);
+  EXPECT_EQ(target->GetValuePtr(), &thing);
+}
+
+TEST(KVLCodePointerValueHooks, AccessComesOnceForEachReading) {
   const World world;
   const HookedPtr value = new HookedPointer();
   EXPECT_EQ(value->GetValuePtr(), nullptr);
@@ -435,6 +514,8 @@ TEST(KVLCodePointerValueHooks, SharingCallsAccessOfTheSourceAndChangeOfTheTarget
   EXPECT_EQ(source->nbChanges, 0);
   EXPECT_EQ(target->nbChanges, 1);
   EXPECT_EQ(target->pointerAtChange, &thing);
+  // By its change hook, which reads the pointer.
+  EXPECT_EQ(target->nbAccesses, 1);
 }
 
 TEST(KVLCodePointerValueHooks, ChangeComesAfterThePlainAssignmentToo) {
