@@ -43,6 +43,14 @@ TEST_F(KVLCodeEnvAggregation, OwnObjectsShadowBorrowedOnes) {
   EXPECT_EQ(b->FindObject("x"), borrowed);
 }
 
+TEST_F(KVLCodeEnvAggregation, IsNeverRemovedFrom) {
+  const TrackedPtr borrowed = AddTo(b, "p/x");
+  a->AggregateEnv(*b);
+  EXPECT_EQ(a->Remove("p/x"), KVLResult_Failure);
+  EXPECT_EQ(a->Remove(*borrowed, "p/x"), KVLResult_Failure);
+  EXPECT_EQ(b->FindObject("p/x"), borrowed);
+}
+
 TEST_F(KVLCodeEnvAggregation, EarlierAggregationsShadowLaterOnes) {
   const TrackedPtr inB = AddTo(b, "x");
   const TrackedPtr inC = AddTo(c, "x");
@@ -101,6 +109,16 @@ TEST_F(KVLCodeEnvAggregation, AFailedLookupCreatesTheEnvironmentsOfThePathInEach
   EXPECT_EQ(KeysOf(c->IterOnSubEnvs()), Names({"p"}));
   a->UnAggregateEnv(*b);
   EXPECT_EQ(KeysOf(a->IterOnSubEnvs()), Names({"p"}));
+}
+
+TEST_F(KVLCodeEnvAggregation, IsNotAskedOnceAnEarlierOneHasFoundWhatIsWanted) {
+  AddTo(b, "p/x");
+  b->GetSubEnv("p/q");
+  a->AggregateEnv(*b);
+  a->AggregateEnv(*c);
+  EXPECT_NE(a->FindObject("p/x"), nullptr);
+  EXPECT_NE(a->FindSubEnv("p/q"), nullptr);
+  EXPECT_EQ(KeysOf(c->IterOnSubEnvs()), Names());
 }
 
 TEST_F(KVLCodeEnvAggregation, IsNeverAskedForAChildToBeMade) {

@@ -244,6 +244,26 @@ TEST_F(KVLCodeEnvIteration, FailsWithAStatusWhicheverOfItsCursorsCannotBeMade) {
   EXPECT_GT(nbFailed, 4);
 }
 
+// One that collected its elements, or began with every aggregated environment, would allocate more.
+TEST_F(KVLCodeEnvIteration, BeginsWithNoMoreWorkForManyObjectsAndAggregationsThanForFew) {
+  if (!AllocationCounter::IsAvailable()) GTEST_SKIP() << "allocations cannot be counted";
+  const auto countAllocations = [this] {
+    const AllocationCounter counter;
+    const KVLCodeEnv::ObjectIter objects = env->IterOnObjects();
+    const KVLCodeEnv::SubEnvIter subEnvs = env->IterOnSubEnvs();
+    return counter.GetCount();
+  };
+  const EnvPtr lender = new KVLCodeEnv("lender");
+  lender->Add(*MakeObject("x"), "p/");
+  env->AggregateEnv(*lender);
+  Add("a");
+  const long nbForFew = countAllocations();
+  Add("bcdefghijklm");
+  for (int i = 0; i < 20; ++i)
+    env->AggregateEnv(*lender);
+  EXPECT_EQ(countAllocations(), nbForFew);
+}
+
 class KVLCodeEnvAllocations : public RegistryCase {
  protected:
   const EnvPtr env = new KVLCodeEnv("root");

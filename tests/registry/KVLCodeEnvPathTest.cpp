@@ -45,11 +45,20 @@ TEST_F(KVLCodeEnvPaths, NamesOfChildrenAreNotValidated) {
   EXPECT_EQ(env->Check().GetCount(), 0);
 }
 
-TEST_F(KVLCodeEnvPaths, AChildIsMadeOnceAndHeldByItsParentAlone) {
+TEST_F(KVLCodeEnvPaths, AChildIsMadeOnce) {
   KVLCodeEnv& child = env->GetSubEnv("a");
   EXPECT_EQ(&env->GetSubEnv("a"), &child);
   EXPECT_EQ(env->FindSubEnv("a"), &child);
   EXPECT_EQ(KeysOf(env->IterOnSubEnvs()), Names({"a"}));
+}
+
+TEST_F(KVLCodeEnvPaths, AChildIsHeldByItsParentAlone) {
+  EnvPtr own = new KVLCodeEnv();
+  own->GetSubEnv("a/b").Add(*MakeObject("x"), "");
+  own->GetSubEnv("a").Add(*MakeObject("y"), "");
+  EXPECT_EQ(TrackedObject::nbAlive, 2);
+  own = nullptr;
+  EXPECT_EQ(TrackedObject::nbAlive, 0);
 }
 
 TEST_F(KVLCodeEnvPaths, AreCreatedThroughAConstEnvironmentToo) {
@@ -349,6 +358,16 @@ TEST_F(KVLCodeEnvDuplicates, LeaveAMessageEachTime) {
     EXPECT_EQ(env->Add(*second, "x"), KVLResult_Failure);
     EXPECT_EQ(env->Check().GetCount(), i);
   }
+}
+
+TEST_F(KVLCodeEnvDuplicates, LeaveTheirMessagesInTheOrderInWhichTheyWereTried) {
+  for (const char* const path : {"x", "y"}) {
+    env->Add(*first, path);
+    env->Add(*second, path);
+  }
+  ASSERT_EQ(env->Check().GetCount(), 2);
+  EXPECT_NE(env->Check()[0].FindPosition("'x'", 0), 0);
+  EXPECT_NE(env->Check()[1].FindPosition("'y'", 0), 0);
 }
 
 TEST_F(KVLCodeEnvDuplicates, NameTheLocalNameWhichMayBeEmpty) {

@@ -174,6 +174,16 @@ TEST_F(KVLCodeObjectRegisterers, KeepTheirObjectAlive) {
   EXPECT_EQ(TrackedObject::nbAlive, 2);
 }
 
+TEST_F(KVLCodeObjectRegisterers, HaveCopiesThatKeepTheirObjectAliveToo) {
+  RegistererPtr original = Register(MakeObject("c"), "x");
+  RegistererPtr copy = std::make_unique<KVLCodeObjectRegisterer>(*original);
+  original = nullptr;
+  EXPECT_EQ(env->FindObject("x"), nullptr);
+  EXPECT_EQ(TrackedObject::nbAlive, 3);
+  copy = nullptr;
+  EXPECT_EQ(TrackedObject::nbAlive, 2);
+}
+
 TEST_F(KVLCodeObjectRegisterers, AreEndedByTheFirstCopyThatDies) {
   RegistererPtr original = Register(a, "x");
   RegistererPtr copy = std::make_unique<KVLCodeObjectRegisterer>(*original);

@@ -46,6 +46,15 @@ TEST_F(KVLCodeObjects, OfADerivedClassPrintTheSameUnlessItSaysOtherwise) {
   EXPECT_EQ(object->ToStringCode(), "x");
 }
 
+TEST_F(KVLCodeObjects, PrintTheirNameWhateverTheirFormInSourceText) {
+  struct InBrackets : KVLCodeObject {
+    using KVLCodeObject::KVLCodeObject;
+    MRBUnicodeString ToStringCode() const override { return "[" + GetName() + "]"; }
+  };
+  const InBrackets object("x");
+  EXPECT_EQ(object.ToString(), "KVLCodeObject 'x'");
+}
+
 TEST_F(KVLCodeObjects, CheckReturnsACopyOfTheMessagesInOrder) {
   const TrackedPtr object = MakeObject("x");
   object->Note("first");
@@ -224,23 +233,37 @@ TEST(KVLTypeConversionOf, EachKindGivesWhatTheObjectAnswersItself) {
   }
 }
 
-// An object may answer differently from what its class would make one think.
+// Of every kind when asked the plain questions, and of none when asked the const ones.
 class Chameleon : public KVLCodeObject {
  public:
-  explicit Chameleon(KVLCodeEnv& answered) : KVLCodeObject("c"), env(answered) {}
-  KVLCodeEnv* AsEnv() override { return &env; }
+  Chameleon() : KVLCodeObject("c") {}
+  KVLCodeFunction* AsFunction() override { return function.Get(); }
+  const KVLCodeFunction* AsFunction() const override { return nullptr; }
+  KVLCodeValue* AsVariable() override { return value.Get(); }
+  const KVLCodeValue* AsVariable() const override { return nullptr; }
+  KVLCodeType* AsType() override { return type.Get(); }
+  const KVLCodeType* AsType() const override { return nullptr; }
+  KVLCodeEnv* AsEnv() override { return env.Get(); }
   const KVLCodeEnv* AsEnv() const override { return nullptr; }
 
- private:
-  KVLCodeEnv& env;
+  const FunctionPtr function = MakeFunction("f", "int", {});
+  const TextPtr value = MakeText("int");
+  const TypePtr type = new TestType("int");
+  const EnvPtr env = new KVLCodeEnv("e");
 };
 
+template <class To>
+void ExpectThePlainQuestionAlone(Chameleon& chameleon, const To* answer) {
+  EXPECT_EQ((KVLTypeConversion<KVLCodeObject*, To*>::convert(&chameleon)), answer);
+  EXPECT_EQ((KVLTypeConversion<const KVLCodeObject*, const To*>::convert(&chameleon)), nullptr);
+}
+
 TEST(KVLTypeConversionOf, AnObjectAsksTheConstQuestionForConstAndThePlainOneOtherwise) {
-  const EnvPtr env = new KVLCodeEnv("e");
-  Chameleon chameleon(*env);
-  EXPECT_EQ((KVLTypeConversion<KVLCodeObject*, KVLCodeEnv*>::convert(&chameleon)), env.Get());
-  EXPECT_EQ((KVLTypeConversion<const KVLCodeObject*, const KVLCodeEnv*>::convert(&chameleon)),
-            nullptr);
+  Chameleon chameleon;
+  ExpectThePlainQuestionAlone<KVLCodeFunction>(chameleon, chameleon.function.Get());
+  ExpectThePlainQuestionAlone<KVLCodeValue>(chameleon, chameleon.value.Get());
+  ExpectThePlainQuestionAlone<KVLCodeType>(chameleon, chameleon.type.Get());
+  ExpectThePlainQuestionAlone<KVLCodeEnv>(chameleon, chameleon.env.Get());
 }
 
 }  // namespace

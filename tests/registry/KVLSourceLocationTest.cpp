@@ -148,6 +148,12 @@ TEST(KVLSourceLocation, ShortensToTheFolderBeforeTheFirstLandmark) {
       {"w/Fw/publicinterfaces/x.h", "/", "w/Fw/publicinterfaces/x.h"},
       {"w/Fw/MyPublicInterfaces/x.h", "/", "w/Fw/MyPublicInterfaces/x.h"},
       {"w/Fw/PublicInterfaces2/x.h", "/", "w/Fw/PublicInterfaces2/x.h"},
+      {"w/Fw/MyProtectedInterfaces/x.h", "/", "w/Fw/MyProtectedInterfaces/x.h"},
+      {"w/Fw/ProtectedInterfaces2/x.h", "/", "w/Fw/ProtectedInterfaces2/x.h"},
+      {"w/Fw/MyPrivateInterfaces/x.h", "/", "w/Fw/MyPrivateInterfaces/x.h"},
+      {"w/Fw/PrivateInterfaces2/x.h", "/", "w/Fw/PrivateInterfaces2/x.h"},
+      {"w/Fw/MyIdentityCard/x.h", "/", "w/Fw/MyIdentityCard/x.h"},
+      {"w/Fw/IdentityCard.h", "/", "w/Fw/IdentityCard.h"},
       {"w/Fw/Mod.mm/x.h", "/", "w/Fw/Mod.mm/x.h"},
       {"w/Fw/Mod.M/x.h", "/", "w/Fw/Mod.M/x.h"},
       {"w/a/x.m", "/", "a/x.m"},  // the last component counts as well

@@ -63,7 +63,7 @@ class Noted : public KVLCodeObject {
       : KVLCodeObject(objectName) {
     messages.Append(message);
   }
-  MRBUnicodeString ToString() const override { return "Noted '" + GetName() + "' \xC3\xA9"; }
+  MRBUnicodeString ToString() const override { return "Noted '" + GetName() + "' 5%d \xC3\xA9"; }
 };
 
 void Seed(KVLCodeEnv& root) {
@@ -138,7 +138,18 @@ void DumpWritesTheObjectsOwnTextAsALineAndFlushes(const char* fileName) {
   noted->Dump();
   KVLCodeEnv::GetDefault().Dump();
   ExpectText(output.GetWritten(),
-             "before;KVLCodeObject 'x'\nbetween;Noted 'n' \xC3\xA9\nKVLCodeObject ''\n");
+             "before;KVLCodeObject 'x'\nbetween;Noted 'n' 5%d \xC3\xA9\nKVLCodeObject ''\n");
+}
+
+void DumpToAStreamThatCannotBeWrittenDoesNothing(const char* fileName) {
+  const KVLSmartPtr<KVLCodeObject> object = new KVLCodeObject("x");
+  const OutputFile output(fileName);
+  Expect(std::freopen(fileName, "rb", stdout) != nullptr, "standard output is for reading only");
+  object->Dump();
+  ExpectText(output.GetWritten(), "");
+  Expect(std::freopen(fileName, "wb", stdout) != nullptr, "standard output is for writing again");
+  object->Dump();
+  ExpectText(output.GetWritten(), "KVLCodeObject 'x'\n");
 }
 
 // Nothing is made before it is asked for, and a root stays the environment it was first found as.
@@ -155,6 +166,25 @@ void RootsAreMadeOneByOneOnFirstUse(const char*) {
   Expect(&KVLCodeEnv::GetDefaultTypeRoot() == &types, "a root that is there already is taken");
   Expect(root.FindSubEnv("_conversions").IsNull(), "no root is made before it is asked for");
   Expect(root.FindSubEnv("_operators").IsNull(), "the operators have no root of their own");
+}
+
+void RootsAreNeverThoseOfAnAggregatedEnvironment(const char*) {
+  KVLCodeEnv& root = KVLCodeEnv::GetDefault();
+  const KVLSmartPtr<KVLCodeEnv> lender = new KVLCodeEnv("lender");
+  root.AggregateEnv(*lender);
+  const struct {
+    const char* name;
+    KVLCodeEnv& (*get)();
+  } accessors[] = {{"_types", KVLCodeEnv::GetDefaultTypeRoot},
+                   {"_members", KVLCodeEnv::GetDefaultMembersRoot},
+                   {"_conversions", KVLCodeEnv::GetDefaultConversionsRoot}};
+  for (const auto& each : accessors) {
+    const KVLCodeEnv& borrowed = lender->GetSubEnv(each.name);
+    Expect(root.FindSubEnv(each.name) == &borrowed, "the lender's is found as long as it is alone");
+    const KVLCodeEnv& own = each.get();
+    Expect(&own != &borrowed, "a root is not borrowed");
+    Expect(root.FindSubEnv(each.name) == &own, "a root is a child of the default environment");
+  }
 }
 
 #if defined(__linux__)
@@ -195,7 +225,9 @@ constexpr struct {
     {"report", ReportIsWrittenToTheByteAndFlushed},
     {"report_in_order", ReportStandsInOrderWithTheHostsOwnOutput},
     {"dump", DumpWritesTheObjectsOwnTextAsALineAndFlushes},
+    {"failing_dump", DumpToAStreamThatCannotBeWrittenDoesNothing},
     {"roots", RootsAreMadeOneByOneOnFirstUse},
+    {"own_roots", RootsAreNeverThoseOfAnAggregatedEnvironment},
 #if defined(__linux__)
     {"report_by_lines", ReportIsFlushedLineByLine},
 #endif
