@@ -1,5 +1,7 @@
 #include "KVLCodeObjectRegisterer.h"
 
+#include <utility>
+
 namespace {
 
 bool Contains(const KVLVector<KVLSourceLocation>& locations, const KVLSourceLocation& wanted) {

@@ -1,5 +1,7 @@
 #include "KVLTypeConversion.h"
 
+#include <type_traits>
+
 namespace {
 
 template <class From, class To, To (std::remove_pointer_t<From>::*As)()>
