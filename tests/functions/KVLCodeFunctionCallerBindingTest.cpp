@@ -199,6 +199,32 @@ TEST(KVLCodeFunctionCallerBinding, ACallThatThrowsCopiesNothingBack) {
   EXPECT_EQ(fixed->nbAssigns, 0);
 }
 
+// Registers a conversion of "from" to "to" that throws.
+void RegisterThrowing(World& world, const char* from, const char* to) {
+  const FunctionPtr conversion =
+      MakeFunction(to, to, {{"from", from}},
+                   [](Values&) -> KVLSmartPtr<KVLCodeValue> { throw std::logic_error("body"); });
+  world.conversions->Add(*conversion, MRBUnicodeString(from) + "/");
+}
+
+TEST(KVLCodeFunctionCallerBinding, AConversionThatThrowsLeavesNoCallerBehind) {
+  World world;
+  RegisterThrowing(world, "S", "T");
+  const int callersBefore = TestCaller::nbAlive;
+  const BindingPtr binding = Bind(MakeFunction("f", "T", {{"a", "T"}}), MakeText("S"));
+  EXPECT_THROW(binding->CreateCaller(world.context), std::logic_error);
+  EXPECT_EQ(TestCaller::nbAlive, callersBefore);
+}
+
+TEST(KVLCodeFunctionCallerBinding, AConversionBackThatThrowsLeavesTheFormerReturnedValue) {
+  World world;
+  RegisterThrowing(world, "T", "S");
+  const CallerPtr caller =
+      Bind(Writer(Out, MakeText("T")), MakeText("S"))->CreateCaller(world.context);
+  EXPECT_THROW(caller->Call(), std::logic_error);
+  EXPECT_TRUE(caller->GetReturnedValue().IsNull());
+}
+
 TEST(KVLCodeFunctionCallerBinding, AMethodBoundToANullObjectThrows) {
   World world;
   world.RegisterType("Thing")->make = [](const MRBUnicodeString&) {

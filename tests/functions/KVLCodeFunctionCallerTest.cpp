@@ -40,6 +40,14 @@ TEST(KVLCodeFunctionCaller, IsNamedAsItsFunctionAndReady) {
   static_assert(std::has_virtual_destructor_v<KVLCodeFunctionCaller>);
 }
 
+TEST(KVLCodeFunctionCaller, IsReadyWithoutArgumentsAndAfterACallToo) {
+  const World world;
+  const CallerPtr caller = MakeFunction("f", "int", {})->CreateCaller(world.context);
+  EXPECT_TRUE(caller->IsReady());
+  EXPECT_EQ(caller->Call(), KVLResult_Success);
+  EXPECT_TRUE(caller->IsReady());
+}
+
 TEST(KVLCodeFunctionCaller, IsNoneOfTheKinds) {
   const World world;
   const CallerPtr caller = MakeFunction("f", "", {})->CreateCaller(world.context);
