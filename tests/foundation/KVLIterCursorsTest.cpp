@@ -166,7 +166,10 @@ TEST(KVLMappingCursor, ReturnsAFailureOfTheConversion) {
     result = number;
     return 0;
   };
-  EXPECT_EQ(Collect(Mapping(vector, Refuse2)), (Outcome{{1}, Failure}));
+  Iter iter = Mapping(vector, Refuse2);
+  EXPECT_EQ(Collect(iter), (Outcome{{1}, Failure}));
+  // Asked again, it goes on behind what was refused.
+  EXPECT_EQ(Collect(iter), (Outcome{{3}, 1}));
 }
 
 // An iteration of iterations; their results, last for ever.
@@ -224,6 +227,11 @@ TEST(KVLFlatteningCursor, ReturnsAFailureOfTheOuterIterationAtOnce) {
             (Outcome{{}, OutOfMemory}));
 }
 
+TEST(KVLFlatteningCursor, ReturnsEveryResultBut0And1AsAFailure) {
+  EXPECT_EQ(Collect(Flattening(1, Yielding({1}, 2), Yielding({3}))), (Outcome{{1}, 2}));
+  EXPECT_EQ(Collect(Flattening(2, Yielding({1}))), (Outcome{{1}, 2}));
+}
+
 TEST(KVLFlatteningCursor, TakesTheIterationsOneByOneAndLetsEachGo) {
   Source::Journal first;
   Source::Journal second;
@@ -269,6 +277,7 @@ TEST(KVLConcatenationCursor, AFailureOfTheFirstIsReturnedAtOnceAndTheSecondNotBe
   }
   EXPECT_EQ(second.live, 0);
   EXPECT_EQ(Collect(Concatenation(Iter(OutOfMemory), Yielding({2}))), (Outcome{{}, OutOfMemory}));
+  EXPECT_EQ(Collect(Concatenation(Yielding({1}, 2), Yielding({2}))), (Outcome{{1}, 2}));
 }
 
 TEST(KVLConcatenationCursor, AFailureOfTheSecondIsReturned) {
