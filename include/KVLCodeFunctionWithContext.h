@@ -3,8 +3,8 @@
 
 #include "KVLCodeFunctionBinding.h"
 
-/// A function whose parameters of the types "KVLCodeContext" and "KVLCodeSession" are hidden: at
-/// each call they designate the caller's context and that context's session.
+/// A function whose parameters of the types "KVLCodeContext" and "KVLCodeSession" are hidden: a
+/// caller fills them, when it is made, with its context and that context's session.
 class KVL_EXPORT KVLCodeFunctionWithContext : public KVLCodeFunctionBinding {
  public:
   explicit KVLCodeFunctionWithContext(KVLCodeFunction& func);
