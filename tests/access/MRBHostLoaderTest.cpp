@@ -9,6 +9,10 @@
 
 #include "support/TraceCapture.h"
 
+#if !defined(_WIN32)
+#include <dlfcn.h>
+#endif
+
 namespace {
 
 using Texts = std::vector<std::string>;
@@ -108,6 +112,24 @@ TEST(MRBGetEntryPoint, TheFlagsAndTheReservedTextChangeNothing) {
   EXPECT_EQ(CallTwice(handler, 4), 8);
   EXPECT_EQ(MRBCloseLibrary(handler), 0);
 }
+
+#if !defined(_WIN32)
+TEST(MRBGetEntryPoint, OfALibraryThatCallsWhatIsNowhereFailsAtOnce) {
+  TraceCapture trace;
+  const LibraryHandler handler = Load("KVLHostTestUnresolved", nullptr);
+  EXPECT_EQ(handler.library, nullptr);
+  EXPECT_EQ(handler.entry, nullptr);
+  EXPECT_EQ(trace.GetTexts(), Texts());
+}
+
+TEST(MRBGetEntryPoint, OffersTheLibrarysSymbolsToNoOther) {
+  TraceCapture trace;
+  const LibraryHandler handler = Load(Library, Entry);
+  ASSERT_NE(handler.entry, nullptr);
+  EXPECT_EQ(dlsym(RTLD_DEFAULT, Entry), nullptr);
+  EXPECT_EQ(MRBCloseLibrary(handler), 0);
+}
+#endif
 
 TEST(MRBGetFunctionAddress, GivesBothWords) {
   TraceCapture trace;

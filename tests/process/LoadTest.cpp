@@ -226,6 +226,17 @@ TEST(AllModules, ThePrefixIsCaseSensitive) {
   EXPECT_TRUE(IsMappedAndPublished("kvlCodeEnv_Lower"));
 }
 
+TEST(AllModules, ThePrefixIsTakenWholeAndAtTheFrontOnly) {
+  ASSERT_STREQ(ModulesVariable(), "KVLCodeEnvNear;Inner_KVLCodeEnv_");
+  TraceCapture trace;
+  EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_Success);
+  trace.Clear();
+  EXPECT_EQ(KVLCodeEnvAccess::Unload(), KVLResult_Success);
+  EXPECT_EQ(trace.GetTexts(), Unloads(BuiltIn));
+  EXPECT_TRUE(IsMappedAndPublished("KVLCodeEnvNear"));
+  EXPECT_TRUE(IsMappedAndPublished("Inner_KVLCodeEnv_"));
+}
+
 TEST(AllModules, ABuiltInNameThatIsListedAgainIsLoadedAndClosedTwice) {
   ASSERT_STREQ(ModulesVariable(), "KVLCodeEnv_Beta;KVLCodeEnv_Beta");
   TraceCapture trace;
