@@ -45,6 +45,19 @@ TEST_F(KVLCodeEnvPaths, NamesOfChildrenAreNotValidated) {
   EXPECT_EQ(env->Check().GetCount(), 0);
 }
 
+TEST_F(KVLCodeEnvPaths, NamesOfObjectsAreNotValidatedAndOnlyASlashSeparates) {
+  for (const char* const name :
+       {"_x", " ", " x ", ".", "..", "a b", "\\", "a\\b", "a.b", "a:b", "a;b", "\xC3\xA9"}) {
+    const TrackedPtr object = MakeObject("own");
+    EXPECT_EQ(env->Add(*object, name), KVLResult_Success) << name;
+    EXPECT_EQ(env->FindObject(name), object) << name;
+    EXPECT_EQ(KeysOf(env->IterOnObjects()), Names({name}));
+    EXPECT_EQ(env->Remove(name), KVLResult_Success) << name;
+  }
+  EXPECT_EQ(KeysOf(env->IterOnSubEnvs()), Names());
+  EXPECT_EQ(env->Check().GetCount(), 0);
+}
+
 TEST_F(KVLCodeEnvPaths, AChildIsMadeOnce) {
   KVLCodeEnv& child = env->GetSubEnv("a");
   EXPECT_EQ(&env->GetSubEnv("a"), &child);

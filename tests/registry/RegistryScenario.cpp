@@ -1,15 +1,18 @@
-// What is written to standard output, and what a process finds at its first use of the registry.
-// Each scenario has a process of its own: the default environment and the stream belong to it.
+// What is written to standard output, and what a process finds at its first use of the registry or
+// when it runs out of memory. Each scenario has a process of its own: the default environment, the
+// stream and the heap belong to it.
 
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "KVLCodeEnv.h"
 #include "KVLCodeEnvAccess.h"
 #include "KVLCodeObjectRegisterer.h"
 #include "KVLResult.h"
+#include "NextNewFails.h"
 
 #if defined(__linux__)
 #include <fcntl.h>
@@ -213,6 +216,26 @@ void ReportIsFlushedLineByLine(const char*) {
   Expect(nbPackets == 7, "each line is a write");
 }
 
+void AChildThatCouldNotBeMadeIsMadeByTheNextLookup(const char*) {
+  const KVLSmartPtr<KVLCodeEnv> env = new KVLCodeEnv("root");
+  bool hasFailed = false;
+  kvltest::nextNewFails = true;
+  try {
+    env->GetSubEnv("a");
+  } catch (const std::bad_alloc&) {
+    hasFailed = true;
+  }
+  Expect(hasFailed, "the making of a child fails without memory");
+  Expect(env->FindSubEnv("a").IsNull(), "what could not be made is not found");
+  const KVLCodeEnv& child = env->GetSubEnv("a");
+  Expect(child.GetName() == "a", "the child is made under its name");
+  Expect(env->FindSubEnv("a") == &child, "the child is found");
+  int nbChildren = 0;
+  for (const auto& entry : env->IterOnSubEnvs())
+    nbChildren += entry.value == &child ? 1 : 100;
+  Expect(nbChildren == 1, "the child is there once");
+}
+
 #endif
 
 using Scenario = void (*)(const char* fileName);
@@ -230,6 +253,7 @@ constexpr struct {
     {"own_roots", RootsAreNeverThoseOfAnAggregatedEnvironment},
 #if defined(__linux__)
     {"report_by_lines", ReportIsFlushedLineByLine},
+    {"child_made_late", AChildThatCouldNotBeMadeIsMadeByTheNextLookup},
 #endif
 };
 
