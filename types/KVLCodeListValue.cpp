@@ -1,5 +1,7 @@
 #include "KVLCodeListValue.h"
 
+#include <utility>
+
 #include "KVLCodeContext.h"
 #include "KVLResult.h"
 
@@ -18,6 +20,16 @@ class KVLCodeListHolder : public KVLRefCounted {
   const bool owned;                            // made by the holder, hence deleted with it
 };
 
+namespace {
+
+// What a former holder takes along may look at the value while it dies. So the holder goes last,
+// when the value has its new one.
+void Replace(KVLSmartPtr<KVLCodeListHolder>& holder, KVLSmartPtr<KVLCodeListHolder> other) {
+  std::swap(holder, other);
+}
+
+}  // namespace
+
 KVLCodeListValue::KVLCodeListValue(const MRBUnicodeString& valueName,
                                    const MRBUnicodeString& nameOfType)
     : KVLCodeValue(valueName, nameOfType.IsEmpty() ? MRBUnicodeString("KVLVector<KVLCodeValue_var>")
@@ -29,7 +41,7 @@ KVLCodeListValue::KVLCodeListValue(const KVLCodeListValue&) = default;
 KVLCodeListValue::~KVLCodeListValue() = default;
 
 void KVLCodeListValue::Reset() {
-  holder = new KVLCodeListHolder(nullptr, false);
+  Replace(holder, new KVLCodeListHolder(nullptr, false));
 }
 
 void* KVLCodeListValue::GetValuePtr() const {
@@ -74,7 +86,7 @@ long KVLCodeListValue::AssignFrom(const KVLCodeContext& context, const KVLCodeVa
   if (isList) {
     const KVLCodeListValue& list = static_cast<const KVLCodeListValue&>(source);
     list.OnAccess();
-    holder = list.holder;
+    Replace(holder, list.holder);
   } else {
     const long result = KVLCodeValue::AssignFrom(context, source);
     if (KVLFailed(result)) return result;
@@ -104,7 +116,7 @@ void KVLCodeListValue::OnChanged() {}
 void KVLCodeListValue::OnAccess() const {}
 
 KVLCodeListValue::Elements& KVLCodeListValue::MakeOwnElements() {
-  holder = new KVLCodeListHolder(new Elements(), true);
+  Replace(holder, new KVLCodeListHolder(new Elements(), true));
   return *holder->elements;
 }
 

@@ -1,5 +1,7 @@
 #include "KVLCodePointerValue.h"
 
+#include <utility>
+
 #include "KVLCodeContext.h"
 #include "KVLResult.h"
 
@@ -33,6 +35,12 @@ class KVLCodePointerHolder : public KVLRefCounted {
 
 namespace {
 
+// What a former holder takes along may look at the value while it dies. So the holder goes last,
+// when the value has its new one.
+void Replace(KVLSmartPtr<KVLCodePointerHolder>& holder, KVLSmartPtr<KVLCodePointerHolder> other) {
+  std::swap(holder, other);
+}
+
 // Stands in where a pointer value's type is not registered, hence for any type of pointer.
 class StandInType : public KVLCodePointerType {
  public:
@@ -52,7 +60,7 @@ KVLCodePointerValue::KVLCodePointerValue(const KVLCodePointerValue&) = default;
 KVLCodePointerValue::~KVLCodePointerValue() = default;
 
 void KVLCodePointerValue::Reset() {
-  holder = new KVLCodePointerHolder(nullptr, false);
+  Replace(holder, new KVLCodePointerHolder(nullptr, false));
 }
 
 void* KVLCodePointerValue::GetValuePtr() const {
@@ -97,7 +105,7 @@ long KVLCodePointerValue::AssignFrom(const KVLCodeContext& context, const KVLCod
   if (isPointer) {
     const KVLCodePointerValue& other = static_cast<const KVLCodePointerValue&>(source);
     other.OnAccess();
-    holder = other.holder;
+    Replace(holder, other.holder);
   } else {
     const long result = KVLCodeValue::AssignFrom(context, source);
     if (KVLFailed(result)) return result;
@@ -111,7 +119,7 @@ void KVLCodePointerValue::OnChanged() {}
 void KVLCodePointerValue::OnAccess() const {}
 
 void KVLCodePointerValue::SetPointer(void* pointer, bool owned) {
-  holder = new KVLCodePointerHolder(pointer, owned);
+  Replace(holder, new KVLCodePointerHolder(pointer, owned));
   OnChanged();
 }
 
