@@ -95,6 +95,16 @@ TEST(KVLCodeContextConvertSearch, AnEmptySourceTypeNameFailsAtOnce) {
   EXPECT_EQ(CountSubEnvs(*world.conversions), 0);
 }
 
+TEST(KVLCodeContextConvertSearch, AnEmptyTargetTypeNameIsLookedForAsAnyOther) {
+  World world;
+  const TextPtr to = MakeText("", "kept");
+  EXPECT_EQ(world.context.Convert(*MakeText("T"), *to), KVLResult_Failure);
+  EXPECT_EQ(to->content, "kept");
+  world.conversions->Add(*MakeFunction("", "", {{"from", "T"}}), "T/");
+  EXPECT_EQ(world.context.Convert(*MakeText("T"), *to), KVLResult_Success);
+  EXPECT_EQ(to->content, "returned");
+}
+
 TEST(KVLCodeContextConvertSearch, AnUnregisteredSourceIsLookedUpOnceInEachEnvironment) {
   const World world;
   // A lookup leaves the environments of its path behind, which shows what was looked up.
@@ -477,6 +487,20 @@ TEST(KVLCodeContextConvertForm, TheParameterMustBearTheTypeAtWhichTheSearchStopp
   world.conversions->Add(*conversion, "T/U");
   EXPECT_EQ(world.context.Convert(*MakeText("B"), *MakeText("U")), KVLResult_Failure);
   EXPECT_EQ(conversion->nbCalls, 0);
+}
+
+TEST(KVLCodeContextConvertForm, TheFirstOfTwoParametersMustBearTheTypeAtWhichTheSearchStopped) {
+  for (const char* const typeName : {"T", "B"}) {
+    World world;
+    world.RegisterType("T");
+    world.RegisterType("B", "T");
+    const FunctionPtr conversion = MakeFunction("U", "", {{"from", typeName}, {"to", "U", Out}});
+    world.conversions->Add(*conversion, "T/U");
+    const bool serves = MRBUnicodeString(typeName) == "T";
+    EXPECT_EQ(world.context.Convert(*MakeText("B"), *MakeText("U")),
+              serves ? KVLResult_Success : KVLResult_Failure);
+    EXPECT_EQ(conversion->nbCalls, serves ? 1 : 0);
+  }
 }
 
 TEST(KVLCodeContextConvertForm, AFunctionOfAnotherFormEndsTheClimb) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <type_traits>
 #include <vector>
@@ -226,6 +227,37 @@ TEST(KVLCodeContextKeepAlive, ReleasesTheObjectsInTheOrderInWhichTheLastOneComes
     context.KeepAlive(MRBBaseUnknown_var(second));
   }
   EXPECT_EQ(journal, (std::vector<const HostObject*>{second, first}));
+}
+
+// Looks at the session of the context that keeps it alive when it dies.
+class SessionWitness : public MRBBaseUnknown {
+ public:
+  SessionWitness(const KVLCodeContext& watched, const KVLCodeSession*& place)
+      : context(watched), seen(place) {}
+  ~SessionWitness() override { seen = context.GetSession(); }
+
+ private:
+  const KVLCodeContext& context;
+  const KVLCodeSession*& seen;
+};
+
+TEST(KVLCodeContextKeepAlive, TheSessionIsGoneWhenTheObjectsAreReleased) {
+  KVLCodeSession session;
+  const KVLCodeSession* seen = &session;
+  {
+    KVLCodeContext context;
+    context.SetSession(&session);
+    context.KeepAlive(MRBBaseUnknown_var(new SessionWitness(context, seen)));
+  }
+  EXPECT_EQ(seen, nullptr);
+}
+
+TEST(KVLCodeContextKeepAlive, ObjectsAndBlocksAreHashedByTheLow32BitsOfTheirAddress) {
+  const MRBBaseUnknown_var object(new HostObject());
+  const auto address = reinterpret_cast<std::uintptr_t>(object.Get());
+  EXPECT_EQ(KVLHashKey<MRBBaseUnknown_var>::Of(object), static_cast<std::uint32_t>(address));
+  EXPECT_EQ(KVLHashKey<void*>::Of(object.Get()), static_cast<std::uint32_t>(address));
+  EXPECT_EQ(KVLHashKey<MRBBaseUnknown_var>::Of(MRBBaseUnknown_var()), 0u);
 }
 
 TEST(KVLCodeContextKeepAlive, TakesBlocksOfTheHeap) {

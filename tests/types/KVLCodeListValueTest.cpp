@@ -144,6 +144,16 @@ TEST(KVLCodeListValue, TypeIsAFreshGenericOneWhenNoneIsRegistered) {
   EXPECT_TRUE(world.context.GetTypeFromName("ints").IsNull());
 }
 
+TEST(KVLCodeListType, GenericTypeIsNoListTypeAndNoDummy) {
+  const World world;
+  const ListPtr list = MakeList("ints", 0);
+  const KVLSmartPtr<const KVLCodeType> type = list->GetType(world.context);
+  EXPECT_FALSE(type->IsList(nullptr));
+  EXPECT_FALSE(type->IsDummy());
+  EXPECT_EQ(type->GetParentTypeName(), "");
+  EXPECT_EQ(list->IsList(world.context), KVLResult_False);
+}
+
 TEST(KVLCodeListType, GenericTypeNeitherReadsNorWritesText) {
   const World world;
   const KVLSmartPtr<KVLCodeListType> type = new KVLCodeListType("ints");
@@ -213,6 +223,24 @@ TEST(KVLCodeListValue, OfAnUnregisteredTypeCannotBeWrittenOrRead) {
   EXPECT_EQ(list->SetValueStr(world.context, "[]"), KVLResult_NotImplemented);
 }
 
+// Has no type at all.
+class TypelessList : public KVLCodeListValue {
+ public:
+  TypelessList() : KVLCodeListValue("typeless", "ints") {}
+  KVLSmartPtr<const KVLCodeType> GetType(const KVLCodeContext&) const override { return nullptr; }
+};
+
+TEST(KVLCodeListValue, WithoutATypeItCannotBeWrittenOrRead) {
+  const WorldWithInts world;
+  const ListPtr list = new TypelessList();
+  MRBUnicodeString text;
+  EXPECT_EQ(list->GetValueStr(world.context, text), KVLResult_Success);
+  EXPECT_EQ(text, "NULL");
+  list->MakeOwnElements();
+  EXPECT_EQ(list->GetValueStr(world.context, text), KVLResult_Failure);
+  EXPECT_EQ(list->SetValueStr(world.context, "[]"), KVLResult_Failure);
+}
+
 // Assignment.
 
 TEST(KVLCodeListValueAssign, EqualTypeNamesShareTheVector) {
@@ -242,6 +270,38 @@ TEST(KVLCodeListValueAssign, ADescendantByNameSharesItsVector) {
   EXPECT_EQ(target->AssignFrom(world.context, *source), KVLResult_Success);
   EXPECT_EQ(target->GetValuePtr(), source->GetValuePtr());
   EXPECT_EQ(target->GetTypeName(), "ints");
+}
+
+// Says that its type descends from "ints", which no registration bears out.
+class PretendingList : public KVLCodeListValue {
+ public:
+  PretendingList() : KVLCodeListValue("pretending", "sortedInts") {}
+  KVLSmartPtr<const KVLCodeType> GetType(const KVLCodeContext&) const override {
+    return KVLSmartPtr<const KVLCodeType>(new TextListType("sortedInts", "int", "ints"));
+  }
+};
+
+TEST(KVLCodeListValueAssign, TheSourcesTypeIsLookedUpThroughTheContext) {
+  const World world;
+  const ListPtr source = new PretendingList();
+  source->MakeOwnElements();
+  const ListPtr target = MakeList("ints", 1);
+  EXPECT_EQ(target->AssignFrom(world.context, *source), KVLResult_NotImplemented);
+  EXPECT_NE(target->GetValuePtr(), source->GetValuePtr());
+}
+
+// Reports more than success when text is set.
+class TalkativeList : public HookedList {
+ public:
+  TalkativeList() : HookedList("ints") {}
+  long SetValueStr(const KVLCodeContext&, const MRBUnicodeString&) override { return 5; }
+};
+
+TEST(KVLCodeListValueAssign, APositiveCodeOfThePlainAssignmentBecomesSuccess) {
+  const World world;
+  const KVLSmartPtr<TalkativeList> target = new TalkativeList();
+  EXPECT_EQ(target->AssignFrom(world.context, *MakeText("text")), KVLResult_Success);
+  EXPECT_EQ(target->nbChanges, 1);
 }
 
 TEST(KVLCodeListValueAssign, AForeignListGoesThroughItsText) {
@@ -282,6 +342,16 @@ TEST(KVLCodeListValueAssign, ACopyByTheTypeSharesTheElements) {
   const ListPtr list = MakeList("ints", 2);
   const KVLSmartPtr<KVLCodeValue> copy = list->Copy(world.context, "copy");
   ASSERT_TRUE(copy);
+  EXPECT_EQ(copy->GetValuePtr(), list->GetValuePtr());
+}
+
+TEST(KVLCodeListValueAssign, ACopySharesTheElementsAlsoWithoutARegisteredType) {
+  const World world;
+  const ListPtr list = MakeList("ints", 2);
+  const KVLSmartPtr<KVLCodeValue> copy = list->Copy(world.context, "copy");
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(copy->GetName(), "copy");
+  EXPECT_EQ(copy->GetTypeName(), "ints");
   EXPECT_EQ(copy->GetValuePtr(), list->GetValuePtr());
 }
 
@@ -344,6 +414,14 @@ TEST(KVLCodeListValueHooks, WhatTheAccessHookFillsIsWhatIsRead) {
   const ListPtr target = new KVLCodeListValue("l", "ints");
   EXPECT_EQ(target->AssignFrom(world.context, *ListPtr(new LazyList())), KVLResult_Success);
   EXPECT_TRUE(target->IsValued());
+}
+
+TEST(KVLCodeListValueHooks, WhatTheAccessHookFillsIsWhatIsCompared) {
+  // Without their vectors the two would be compared as text, "NULL" both, and be equal.
+  const World world;
+  const ListPtr left = new LazyList();
+  const ListPtr right = new LazyList();
+  EXPECT_EQ(left->CompareValueWith(world.context, *right), KVLResult_False);
 }
 
 TEST(KVLCodeListValueHooks, ChangeComesOnceWhenTextWasSet) {

@@ -20,6 +20,8 @@ class PlainType : public KVLCodeType {
  public:
   explicit PlainType(const MRBUnicodeString& typeName) : KVLCodeType(typeName) {}
   KVLSmartPtr<KVLCodeValue> CreateValue(const MRBUnicodeString&) const override { return nullptr; }
+
+  void Complain(const char* message) { messages.Append(MRBUnicodeString(message)); }
 };
 
 TEST(KVLCodeType, TheUnknownTypeIsCalledThreeQuestionMarks) {
@@ -89,11 +91,13 @@ TEST(KVLCodeType, WhatIsNoListLeavesTheElementTypeNameUntouched) {
   EXPECT_EQ(elementTypeName, "kept");
 }
 
-TEST(KVLCodeType, ACopyHasTheNameAndNoReferencesYet) {
+TEST(KVLCodeType, ACopyHasNameAndMessages) {
   const KVLSmartPtr<PlainType> type = new PlainType("int");
+  type->Complain("problem");
   const KVLSmartPtr<PlainType> copy = new PlainType(*type);
   EXPECT_EQ(copy->GetName(), "int");
-  EXPECT_NE(copy, type);
+  ASSERT_EQ(copy->Check().GetCount(), 1);
+  EXPECT_EQ(copy->Check()[0], "problem");
 }
 
 TEST(KVLCodeType, ParentIsNullWithoutAParentName) {
@@ -160,6 +164,25 @@ TEST(KVLCodeType, ElementTypeIsNullForWhatIsNoList) {
   EXPECT_TRUE(type->GetListElementType(world.context).IsNull());
 }
 
+// A list type that does not say of what.
+class SecretiveType : public PlainType {
+ public:
+  SecretiveType() : PlainType("secrets") {}
+  bool IsList(MRBUnicodeString* elementTypeName) const override {
+    if (elementTypeName) given = *elementTypeName;
+    return true;
+  }
+
+  mutable MRBUnicodeString given = "nothing";
+};
+
+TEST(KVLCodeType, ElementTypeNameIsAskedForWithAnEmptyText) {
+  World world;
+  const KVLSmartPtr<SecretiveType> type = world.Register(new SecretiveType());
+  EXPECT_TRUE(type->GetListElementType(world.context).IsNull());
+  EXPECT_EQ(type->given, "");
+}
+
 TEST(KVLCodeType, IsASubTypeOfItselfInBothForms) {
   const World world;
   const TypePtr type = new TestType("A");
@@ -198,6 +221,25 @@ TEST(KVLCodeType, AParentThatIsNamedButNotRegisteredCountsByName) {
   const World world;
   const TypePtr b = new TestType("B", "A");
   EXPECT_TRUE(b->IsSubTypeOf(world.context, "A"));
+}
+
+TEST(KVLCodeType, AParentIsComparedByNameWithoutALookup) {
+  const World world;
+  const TypePtr b = new TestType("B", "lib/A");
+  EXPECT_TRUE(b->IsSubTypeOf(world.context, "lib/A"));
+  // A lookup would have left the environment of its path behind.
+  EXPECT_TRUE(world.types->FindSubEnv("lib").IsNull());
+}
+
+TEST(KVLCodeType, AnAncestorCountsUnderItsOwnNameAndUnderTheNameItIsLookedUpBy) {
+  World world;
+  const TypePtr a = new TestType("A");
+  world.types->Add(*a, "lib/Base");
+  const TypePtr b = world.RegisterType("B", "lib/Base");
+  EXPECT_TRUE(b->IsSubTypeOf(world.context, "lib/Base"));
+  EXPECT_TRUE(b->IsSubTypeOf(world.context, "A"));
+  EXPECT_FALSE(b->IsSubTypeOf(world.context, "Base"));
+  EXPECT_TRUE(b->IsSubTypeOf(world.context, *a));
 }
 
 TEST(KVLCodeType, AParentThatIsNamedButNotRegisteredDoesNotCountByIdentity) {

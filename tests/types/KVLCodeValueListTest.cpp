@@ -180,6 +180,17 @@ TEST(KVLCodeValueListSetElementsStr, TheCodeOfTheWriteIsReturnedAsItIs) {
   }
 }
 
+TEST(KVLCodeValueListSetElementsStr, TextsThatCannotBeJoinedAreNotSet) {
+  if (!FailingAllocations::IsAvailable()) GTEST_SKIP();
+  const ListWorld world;
+  const TextPtr value = MakeText("ints", "kept");
+  const Texts texts = MakeTexts({"1"});
+  const FailingAllocations failing(1);
+  EXPECT_EQ(value->ListSetElementsStr(world.context, texts), KVLResult_Failure);
+  EXPECT_TRUE(failing.HasFailed());
+  EXPECT_EQ(value->content, "kept");
+}
+
 TEST(KVLCodeValueListSetElements, SetsFromTheTextsOfTheElements) {
   const ListWorld world;
   const TextPtr value = MakeText("ints");
@@ -363,6 +374,37 @@ TEST(KVLCodeValueListGetElements, GivesTheElementsThatARegisteredGenericTypeRead
   ASSERT_EQ(elements.GetCount(), 2);
   EXPECT_EQ(ContentOf(elements[1]), "2");
   EXPECT_EQ(world.element->nbCreated, 0);
+}
+
+// Remembers the name of the value that it was last asked to fill.
+class NamingType : public KVLCodeListType {
+ public:
+  NamingType() : KVLCodeListType("KVLVector<KVLCodeValue_var>") {}
+  long Parse(const KVLCodeContext&, const MRBUnicodeString&, KVLCodeValue& value) const override {
+    filledName = value.GetName();
+    return KVLResult_Success;
+  }
+
+  mutable MRBUnicodeString filledName;
+};
+
+TEST(KVLCodeValueListGetElements, TheGenericListThatTakesTheContentIsCalledElements) {
+  World world;
+  const KVLSmartPtr<NamingType> type = world.Register(new NamingType());
+  Values elements;
+  EXPECT_EQ(MakeText("unknown", "x")->ListGetElements(world.context, elements, "e"),
+            KVLResult_Success);
+  EXPECT_EQ(type->filledName, "elements");
+}
+
+TEST(KVLCodeValueListGetElements, FailsForAListOfAnotherTypeNameThatIsNotRegistered) {
+  World world;
+  world.RegisterType("int");
+  const KVLSmartPtr<KVLCodeListValue> list = new KVLCodeListValue("l", "ints");
+  list->MakeOwnElements().Append(MakeText("int", "1"));
+  Values elements;
+  EXPECT_EQ(list->ListGetElements(world.context, elements, ""), KVLResult_Failure);
+  EXPECT_EQ(elements.GetCount(), 0);
 }
 
 TEST(KVLCodeValueListGetElements, IntoTheListsOwnVectorFindsItCleared) {

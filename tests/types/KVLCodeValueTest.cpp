@@ -29,6 +29,8 @@ class PlainValue : public KVLCodeValue {
   long SetValueStr(const KVLCodeContext&, const MRBUnicodeString&) override {
     return KVLResult_Success;
   }
+
+  void Complain(const char* message) { messages.Append(MRBUnicodeString(message)); }
 };
 
 TEST(KVLCodeValue, PrintsTypeAndNameBetweenBraces) {
@@ -80,11 +82,14 @@ TEST(KVLCodeValue, IsValuedWhenItDesignatesData) {
   EXPECT_FALSE(value->IsValued());
 }
 
-TEST(KVLCodeValue, ACopyConstructedValueHasNameAndTypeName) {
+TEST(KVLCodeValue, ACopyConstructedValueHasNameTypeNameAndMessages) {
   const KVLSmartPtr<PlainValue> value = new PlainValue("x", "int");
+  value->Complain("problem");
   const KVLSmartPtr<PlainValue> copy = new PlainValue(*value);
   EXPECT_EQ(copy->GetName(), "x");
   EXPECT_EQ(copy->GetTypeName(), "int");
+  ASSERT_EQ(copy->Check().GetCount(), 1);
+  EXPECT_EQ(copy->Check()[0], "problem");
 }
 
 TEST(KVLCodeValue, TypeIsTheOneRegisteredUnderTheTypeName) {
@@ -213,12 +218,23 @@ TEST(KVLCodeValueAssign, AConversionThatSucceedsEndsTheAssignment) {
   EXPECT_EQ(target->nbWrites, 1);
 }
 
-TEST(KVLCodeValueAssign, NamesakesOfTheTypeAreTheSameTypeToAssignment) {
+TEST(KVLCodeValueAssign, ANamesakeOfTheTargetsTypeIsRefused) {
   World world;
   world.RegisterType("T");
-  const TextPtr target = MakeText("T");
-  EXPECT_EQ(target->AssignFrom(world.context, *MakeText("T", "x")), KVLResult_Success);
-  EXPECT_EQ(target->content, "x");
+  // Registered under another name than its own, by which alone it would be a "T".
+  world.types->Add(*TypePtr(new kvltest::TestType("T")), "S");
+  const TextPtr target = MakeText("T", "old");
+  EXPECT_EQ(target->AssignFrom(world.context, *MakeText("S", "new")), KVLResult_Failure);
+  EXPECT_EQ(target->content, "old");
+}
+
+TEST(KVLCodeValueAssign, OneTypeUnderTwoNamesGoesThroughText) {
+  World world;
+  const TypePtr type = world.RegisterType("T");
+  world.types->Add(*type, "S");
+  const TextPtr target = MakeText("T", "old");
+  EXPECT_EQ(target->AssignFrom(world.context, *MakeText("S", "new")), KVLResult_Success);
+  EXPECT_EQ(target->content, "new");
 }
 
 TEST(KVLCodeValueAssign, ANegativeCodeOfTheSourceIsReturnedBeforeTheTargetIsTouched) {
