@@ -430,6 +430,17 @@ TEST(KVLHashMap, CopiesDeeplyInTheSameOrder) {
   }
 }
 
+TEST(KVLHashMap, ACopyIsAsLargeAsItsEntriesNeed) {
+  Map map;
+  Fill(map, 30);
+  for (int i = 3; i < 30; ++i)
+    map.Remove(Key(i));
+  const Map copy(map);
+  EXPECT_EQ(copy.GetCapacity(), 4);
+  EXPECT_EQ(copy.GetNbBuckets(), 0);
+  EXPECT_EQ(Values(copy), UpTo(3));
+}
+
 TEST(KVLHashMap, MovesLeaveTheSourceEmptyAndUsable) {
   for (const int count : {5, 30}) {
     Map map;

@@ -125,6 +125,14 @@ TEST(KVLStringOperations, SplitKeepsEmbeddedNuls) {
             (Pieces{std::string("a\0b", 3), std::string("\0", 1)}));
 }
 
+TEST(KVLStringOperations, JoiningAndSlicingKeepEmbeddedNuls) {
+  EXPECT_EQ(Ops::Join(Ops::Split(String("a\0b;\0", 5), ";"), String("\0", 1)),
+            String("a\0b\0\0", 5));
+  EXPECT_EQ(Ops::SubStringBetween(String("ab\0cd", 5), 1, -1), String("b\0c", 3));
+  EXPECT_TRUE(Ops::StartsWith(String("\0a", 2), String("\0", 1)));
+  EXPECT_FALSE(Ops::EndsWith(String("a\0", 2), "a"));
+}
+
 TEST(KVLStringOperations, SplitPiecesOutliveTheirSource) {
   String first;
   String second;

@@ -98,6 +98,14 @@ TEST(MRBUnicodeString, KeepsEmbeddedNuls) {
   EXPECT_EQ(text.SearchSubString(String("\0", 1), 2, String::MRBSearchForward), 3);
   EXPECT_EQ(text.SubString(1, 2), String("\0b", 2));
   EXPECT_NE(text.ComputeHashKey(), String("a").ComputeHashKey());
+  String assigned("former");
+  assigned = text;
+  EXPECT_EQ(assigned, text);
+  assigned.Insert(1, String("\0x", 2));
+  EXPECT_EQ(assigned, String("a\0x\0b\0", 6));
+  EXPECT_EQ(assigned.Remove(0, 3), String("\0b\0", 3));
+  const String copy(assigned);
+  EXPECT_EQ(copy, String("\0b\0", 3));
 }
 
 TEST(MRBUnicodeString, CountsBytesAndPassesUtf8Through) {
