@@ -1,9 +1,6 @@
 #include "KVLCodeType.h"
 
-#include <utility>
-
 #include "KVLCodeContext.h"
-#include "KVLCodeValue.h"
 
 const char* const KVLTypeName_Unknown = "???";
 

@@ -365,12 +365,11 @@ TEST(KVLCodeListValueAssign, DefaultIsAnEmptyVectorAlsoWithoutARegisteredType) {
 
 // Hooks.
 
-TEST(KVLCodeListValueHooks, ComeAfterTheOperationsOfAValueInTheirOrder) {
+TEST(KVLCodeListValueHooks, DoNothingHereWhateverTheContent) {
   static_assert(
       std::is_same_v<decltype(&KVLCodeListValue::OnChanged), void (KVLCodeListValue::*)()>);
   static_assert(
       std::is_same_v<decltype(&KVLCodeListValue::OnAccess), void (KVLCodeListValue::*)() const>);
-  // In this library they do nothing, whatever the content.
   const ListPtr list = MakeList("ints", 1);
   const void* const data = list->GetValuePtr();
   list->OnChanged();

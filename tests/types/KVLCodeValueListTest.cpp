@@ -366,7 +366,7 @@ TEST(KVLCodeValueListGetElements, GivesFreshElementsOfAnotherListValue) {
 
 TEST(KVLCodeValueListGetElements, GivesTheElementsThatARegisteredGenericTypeReadsFromTheText) {
   ListWorld world;
-  // With the generic list registered as a dummy of sorts, a value of an unknown type is read by it.
+  // A value of an unknown type goes into the generic list through its text, which this type reads.
   world.Register(new TextListType("KVLVector<KVLCodeValue_var>", "int"));
   Values elements;
   EXPECT_EQ(MakeText("unknown", "[1,2]")->ListGetElements(world.context, elements, ""),
