@@ -22,6 +22,8 @@ class AnomalyCheck {
         Leave();
         continue;
       }
+      // Memory ran out when this one was to be made.
+      if (!child.value) continue;
       prefix.Remove(level.prefixLength, prefix.GetLengthInChar());
       CheckSubEnv(child.key, *child.value);
       // An environment that is being checked further up, reached through an aggregation, has
@@ -82,6 +84,7 @@ class AnomalyCheck {
 
   void CheckMembers(const KVLCodeEnv& members) {
     for (const auto& type : members.IterOnSubEnvs()) {
+      if (!type.value) continue;
       for (const auto& member : type.value->IterOnObjects()) {
         CheckMember(type.key, *member.value, "_members/" + type.key + "/" + member.key);
       }

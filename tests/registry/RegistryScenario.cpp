@@ -227,6 +227,7 @@ void AChildThatCouldNotBeMadeIsMadeByTheNextLookup(const char*) {
   }
   Expect(hasFailed, "the making of a child fails without memory");
   Expect(env->FindSubEnv("a").IsNull(), "what could not be made is not found");
+  Expect(env->ComputeAnomalies().IsEmpty(), "what could not be made is passed over by the check");
   const KVLCodeEnv& child = env->GetSubEnv("a");
   Expect(child.GetName() == "a", "the child is made under its name");
   Expect(env->FindSubEnv("a") == &child, "the child is found");
