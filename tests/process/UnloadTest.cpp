@@ -1,8 +1,10 @@
-// Run in the folder "gaps": KVLCodeEnv_Alpha, _Gamma and _Lambda alone.
+// Run in the folders "gaps" and "nested": KVLCodeEnv_Alpha, _Gamma and _Lambda alone.
 
 #include "KVLCodeEnvAccess.h"
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 #include "KVLCodeEnv.h"
 #include "KVLCodeObjectRegisterer.h"
@@ -122,4 +124,23 @@ TEST(Unload, AHundredTimesLoadedAndUnloadedLeavesNothingBehind) {
     for (const char* const name : ModuleNames)
       ASSERT_FALSE(IsLoaded(name)) << name << round;
   }
+}
+
+// In the folder "nested", KVLCodeEnv_Gamma calls `Load` when it comes and `Unload` when it goes,
+// and notes what they returned.
+TEST(Nested, WhatAModuleLoadsWhileItIsLoadedIsClosedWithTheRest) {
+  using Report = TraceCapture::Report;
+  TraceCapture trace;
+  EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_Failure);
+  EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_False);
+  trace.Clear();
+  EXPECT_EQ(KVLCodeEnvAccess::Unload(), KVLResult_Success);
+  EXPECT_EQ(trace.GetReports(), (std::vector<Report>{{7, "~KVLCodeEnv_Alpha", 0},
+                                                     {7, "-KVLCodeEnv_Alpha", 0},
+                                                     {7, "-KVLCodeEnv_Gamma", 0},
+                                                     {7, "~KVLCodeEnv_Lambda", 0},
+                                                     {7, "-KVLCodeEnv_Lambda", 0}}));
+  for (const char* const name : ModuleNames)
+    EXPECT_FALSE(IsLoaded(name)) << name;
+  EXPECT_EQ(KVLCodeEnvAccess::Unload(), KVLResult_False);
 }
