@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "KVLCodeEnv.h"
@@ -132,6 +133,10 @@ TEST(Nested, WhatAModuleLoadsWhileItIsLoadedIsClosedWithTheRest) {
   using Report = TraceCapture::Report;
   TraceCapture trace;
   EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_Failure);
+  // Only at the end of a `Load` the modules count as loaded.
+  const std::vector<Report> loading = trace.GetReports();
+  const Report nested{7, "+KVLCodeEnv_Gamma", static_cast<int>(KVLResult_Failure)};
+  EXPECT_EQ(std::count(loading.begin(), loading.end(), nested), 1);
   EXPECT_EQ(KVLCodeEnvAccess::Load(), KVLResult_False);
   trace.Clear();
   EXPECT_EQ(KVLCodeEnvAccess::Unload(), KVLResult_Success);
