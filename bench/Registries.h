@@ -39,7 +39,8 @@ class OurRegistry {
 };
 
 /// One table over whole paths that knows the number of entries ahead, borrows the texts and never
-/// grows: hashes the path, compares it once, shares the object.
+/// grows: hashes the path, reads a byte that tells nearly every other entry apart, compares the
+/// path once, shares the object.
 class FloorRegistry {
  public:
   using Text = std::string;
@@ -48,34 +49,39 @@ class FloorRegistry {
     std::size_t size = 16;
     while (size < 2 * static_cast<std::size_t>(count))
       size *= 2;
+    tags.resize(size);
     slots.resize(size);
   }
 
   void Add(const Text& path, KVLCodeObject& object) {
     const std::uint64_t hash = HashOf(path);
     std::size_t place = PlaceOf(hash);
-    while (!slots[place].path.empty())
+    while (tags[place] != Free)
       place = NextOf(place);
-    slots[place] = Slot{hash, path, ObjectPtr(&object)};
+    tags[place] = TagOf(hash);
+    slots[place] = Slot{path, ObjectPtr(&object)};
   }
   bool Remove(const Text& path, KVLCodeObject& object) {
-    const Slot* const slot = SlotOf(path);
-    if (!slot || slot->object != &object) return false;
-    // The text stays: the search for what lies behind goes on here.
-    slots[static_cast<std::size_t>(slot - slots.data())].object = nullptr;
+    const std::size_t place = Search(path);
+    if (tags[place] == Free || slots[place].object != &object) return false;
+    // The search for what lies behind goes on here.
+    tags[place] = Removed;
+    slots[place].object = nullptr;
     return true;
   }
   ObjectPtr Find(const Text& path) const {
-    const Slot* const slot = SlotOf(path);
-    return slot ? slot->object : nullptr;
+    const std::size_t place = Search(path);
+    return tags[place] == Free ? nullptr : slots[place].object;
   }
 
  private:
   struct Slot {
-    std::uint64_t hash = 0;
     std::string_view path;
     ObjectPtr object;
   };
+
+  static constexpr std::uint8_t Free = 0;
+  static constexpr std::uint8_t Removed = 1;
 
   static std::uint64_t HashOf(std::string_view path) {
     constexpr std::uint64_t Factor = 0x9E3779B97F4A7C15u;
@@ -94,19 +100,25 @@ class FloorRegistry {
     hash = (hash ^ rest) * Factor;
     return hash ^ hash >> 32;
   }
+  // Never one of the two special tags.
+  static std::uint8_t TagOf(std::uint64_t hash) {
+    return static_cast<std::uint8_t>(hash >> 56 | 2);
+  }
 
   std::size_t PlaceOf(std::uint64_t hash) const { return hash & (slots.size() - 1); }
   std::size_t NextOf(std::size_t place) const { return (place + 1) & (slots.size() - 1); }
 
-  const Slot* SlotOf(std::string_view path) const {
+  // Where the path is, or a free place.
+  std::size_t Search(std::string_view path) const {
     const std::uint64_t hash = HashOf(path);
-    for (std::size_t place = PlaceOf(hash);; place = NextOf(place)) {
-      const Slot& slot = slots[place];
-      if (slot.path.empty()) return nullptr;
-      if (slot.hash == hash && slot.path == path) return &slot;
-    }
+    const std::uint8_t tag = TagOf(hash);
+    std::size_t place = PlaceOf(hash);
+    while (tags[place] != Free && (tags[place] != tag || slots[place].path != path))
+      place = NextOf(place);
+    return place;
   }
 
+  std::vector<std::uint8_t> tags;
   std::vector<Slot> slots;
 };
 

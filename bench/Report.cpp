@@ -16,6 +16,7 @@ struct Row {
   const Figure* ours = nullptr;
   const Figure* bestPeer = nullptr;
   const Figure* floor = nullptr;
+  std::vector<const Figure*> peers;
 };
 
 std::string Text(const Figure* figure) {
@@ -38,6 +39,16 @@ std::string TextOfPeer(const Figure* figure) {
   return figure ? Text(figure) + " (" + figure->who + ")" : "-";
 }
 
+std::string TextOfOthers(const Row& row) {
+  std::string text;
+  for (const Figure* const peer : row.peers) {
+    if (peer == row.bestPeer) continue;
+    if (!text.empty()) text += ", ";
+    text += TextOfPeer(peer);
+  }
+  return text;
+}
+
 std::string Ratio(const Row& row) {
   if (!row.ours || !row.bestPeer) return "-";
   char number[32];
@@ -50,26 +61,28 @@ void Place(const Figure& figure, Row& row) {
     row.ours = &figure;
   } else if (figure.who == "floor") {
     row.floor = &figure;
-  } else if (!row.bestPeer || figure.value < row.bestPeer->value) {
-    row.bestPeer = &figure;
+  } else {
+    row.peers.push_back(&figure);
+    if (!row.bestPeer || figure.value < row.bestPeer->value) row.bestPeer = &figure;
   }
 }
 
 void PrintLine(const std::string& workload, const std::string& ours, const std::string& peer,
-               const std::string& ratio, const std::string& floor) {
-  std::printf("| %-29s | %9s | %-28s | %6s | %9s |\n", workload.c_str(), ours.c_str(), peer.c_str(),
-              ratio.c_str(), floor.c_str());
+               const std::string& ratio, const std::string& floor, const std::string& others) {
+  std::printf("| %-29s | %9s | %-26s | %6s | %9s | %-25s |\n", workload.c_str(), ours.c_str(),
+              peer.c_str(), ratio.c_str(), floor.c_str(), others.c_str());
 }
 
 void PrintTable(const std::vector<Figure>& figures) {
-  PrintLine("workload", "ours", "best peer", "ratio", "floor");
-  PrintLine("---", "---:", "---", "---:", "---:");
+  PrintLine("workload", "ours", "best peer", "ratio", "floor", "other peers");
+  PrintLine("---", "---:", "---", "---:", "---:", "---");
   for (std::size_t i = 0; i < figures.size();) {
     const std::string& workload = figures[i].workload;
     Row row;
     for (; i < figures.size() && figures[i].workload == workload; ++i)
       Place(figures[i], row);
-    PrintLine(workload, Text(row.ours), TextOfPeer(row.bestPeer), Ratio(row), Text(row.floor));
+    PrintLine(workload, Text(row.ours), TextOfPeer(row.bestPeer), Ratio(row), Text(row.floor),
+              TextOfOthers(row));
   }
 }
 
