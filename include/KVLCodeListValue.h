@@ -46,7 +46,7 @@ class KVL_EXPORT KVLCodeListValue : public KVLCodeValue {
 
   /// Hook, called after the content was set; does nothing here.
   virtual void OnChanged();
-  /// Hook, called before the content is read; does nothing here.
+  /// Hook, called before the content is read or shared; does nothing here.
   virtual void OnAccess() const;
 
   /// Gives the value a vector of its own, empty, and returns it for a `Parse` to fill. Borrowed;
@@ -58,8 +58,9 @@ class KVL_EXPORT KVLCodeListValue : public KVLCodeValue {
 };
 
 /// The type of lists whose elements are values. This class stands in where a list value's type is
-/// not registered; modules derive from it and implement `Parse` and `Render`, whose text is "[",
-/// the elements separated by ",", and "]".
+/// not registered, and answers `IsList` with false as any plain type does; modules derive from it
+/// and implement `IsList`, `Parse` and `Render`, whose text is "[", the elements separated by ",",
+/// and "]".
 class KVL_EXPORT KVLCodeListType : public KVLCodeType {
  public:
   explicit KVLCodeListType(const MRBUnicodeString& name);

@@ -21,7 +21,8 @@ class KVL_EXPORT KVLCodeValue : public KVLCodeObject {
   /// A value named `name` of the type registered under `typeName`.
   KVLCodeValue(const MRBUnicodeString& name, const MRBUnicodeString& typeName);
   KVLCodeValue(const KVLCodeValue&) = default;
-  KVLCodeValue& operator=(const KVLCodeValue&) = default;
+  /// Content is assigned by `AssignFrom`; name and type name stay.
+  KVLCodeValue& operator=(const KVLCodeValue&) = delete;
   ~KVLCodeValue() override;
 
   KVLCodeValue* AsVariable() override;

@@ -139,12 +139,10 @@ class KVLHashMap {
   void Reserve(int needed);
 
  private:
-  int BucketOf(unsigned int hash) const {
-    return static_cast<int>(hash % static_cast<unsigned int>(buckets.GetCount()));
-  }
   template <class Key>
   int BucketOf(const Key& key) const {
-    return BucketOf(static_cast<unsigned int>(KVLHashKey<K>::Of(key)));
+    const unsigned int hash = KVLHashKey<K>::Of(key);
+    return static_cast<int>(hash % static_cast<unsigned int>(buckets.GetCount()));
   }
 
   // Appends an entry for which there is room, and pushes it at the head of its chain.

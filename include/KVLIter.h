@@ -1,6 +1,8 @@
 #ifndef KVL_ITER_H
 #define KVL_ITER_H
 
+#include <utility>
+
 #include "KVLResult.h"
 
 /// Where an iteration stands: what hosts derive from to write an iteration of their own.
@@ -41,11 +43,10 @@ class KVLIter {
   }
   KVLIter& operator=(KVLIter&& other) noexcept {
     if (this == &other) return *this;
-    delete cursor;
-    status = other.status;
-    cursor = other.cursor;
-    other.status = KVLResult_False;
-    other.cursor = nullptr;
+    // The former cursor dies last: it may hold `other`.
+    KVLIter taken(std::move(other));
+    std::swap(status, taken.status);
+    std::swap(cursor, taken.cursor);
     return *this;
   }
   KVLIter(const KVLIter&) = delete;

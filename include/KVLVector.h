@@ -106,6 +106,7 @@ class KVLVector {
   }
 
   /// Removes the element at `index`; the later ones move down by one place and keep their order.
+  /// The element dies in its place: its destructor must not look at this vector.
   void Erase(int index) {
     assert(index >= 0 && index < count && "index outside the vector");
     T* const place = data + index;

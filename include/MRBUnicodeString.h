@@ -34,7 +34,7 @@ class MRBUnicodeChar {
 /// Thread rule: as for a plain value; concurrent reads are fine, a write excludes all else.
 class KVL_EXPORT MRBUnicodeString {
  public:
-  /// Where `SearchSubString` starts and which way it goes.
+  /// Which occurrence `SearchSubString` finds.
   enum MRBSearchMode {
     MRBSearchForward = 1,  ///< the first occurrence
     MRBSearchBackward = 2  ///< the last occurrence

@@ -151,6 +151,23 @@ std::vector<int> Loop(Iter& iter) {
   return elements;
 }
 
+// Holds an iteration of its own.
+class Nest : public KVLIterCursor<int> {
+ public:
+  long Next(int&) override { return KVLResult_False; }
+
+  KVLIter<int> inner{new Script({0, 0, 1})};
+};
+
+TEST(KVLIter, MayBeReplacedByAnIterationThatItsOwnCursorHolds) {
+  Nest* const nest = new Nest;
+  Iter iter(nest);
+  iter = std::move(nest->inner);
+  int element = 0;
+  EXPECT_EQ(iter.Next(element), 0);
+  EXPECT_EQ(element, 10);
+}
+
 TEST(KVLIter, ARangeLoopEndsAtAnyResultBut0) {
   for (const long end : {1L, 2L, Failure, -1L}) {
     Iter iter(new Script({0, 0, 0, end}));
