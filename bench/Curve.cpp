@@ -68,7 +68,7 @@ void WriteCsv(const std::vector<Panel>& panels, std::ostream& file) {
 constexpr double PanelWidth = 460;
 constexpr double PanelHeight = 330;
 constexpr double Left = 60;
-constexpr double Right = 20;
+constexpr double Right = 34;
 constexpr double Top = 40;
 constexpr double Bottom = 50;
 
