@@ -1,10 +1,9 @@
 #include "KVLCodeEnvAccess.h"
 
-#include <cstdio>
-
 #include "KVLCodeEnv.h"
 #include "KVLProcessState.h"
 #include "KVLResult.h"
+#include "KVLStandardOutput.h"
 #include "KVLStringOperations.h"
 #include "KVLVector.h"
 #include "MRBHost.h"
@@ -56,12 +55,6 @@ bool LoadModule(const MRBUnicodeString& name, KVLVector<LibraryHandler>& handles
   return true;
 }
 
-void PrintLine(const MRBUnicodeString& text) {
-  const MRBUnicodeString line = text + "\n";
-  std::fwrite(line.ConvertToChar(), 1, static_cast<std::size_t>(line.GetLengthInByte()), stdout);
-  std::fflush(stdout);
-}
-
 }  // namespace
 
 long KVLCodeEnvAccess::Load() {
@@ -105,12 +98,12 @@ long KVLCodeEnvAccess::Run(const MRBUnicodeString& command) {
 long KVLCodeEnvAccess::CheckAndDump() {
   const KVLVector<KVLCodeEnv::Anomaly> anomalies = KVLCodeEnv::GetDefault().ComputeAnomalies();
   if (anomalies.IsEmpty()) return KVLResult_Success;
-  PrintLine("");
-  PrintLine("/!\\ KVLCodeEnv anomalies detected /!\\");
+  KVLWriteLine("");
+  KVLWriteLine("/!\\ KVLCodeEnv anomalies detected /!\\");
   for (const KVLCodeEnv::Anomaly& anomaly : anomalies) {
-    PrintLine("* At path '" + anomaly.path + "': " + anomaly.message);
+    KVLWriteLine("* At path '" + anomaly.path + "': " + anomaly.message);
   }
-  PrintLine("");
+  KVLWriteLine("");
   return KVLResult_Failure;
 }
 

@@ -7,9 +7,6 @@
 
 namespace {
 
-constexpr unsigned int Input = 1;
-constexpr unsigned int Output = 2;
-
 // The items of a parameter text, or the code of a failed split.
 long SplitItems(const MRBUnicodeString& text, KVLVector<MRBUnicodeString>& items) {
   KVLIter<MRBUnicodeString> pieces =

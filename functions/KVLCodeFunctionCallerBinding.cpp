@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr unsigned int Output = 2;
-
 const KVLCodeValue* FixedValue(const KVLCodeFunctionBinding& binding, int i) {
   const KVLVector<KVLSmartPtr<const KVLCodeValue>>& values = binding.GetBindedValues();
   return i < values.GetCount() ? values[i].Get() : nullptr;
@@ -43,7 +41,7 @@ KVLSmartPtr<KVLCodeValue> KVLCodeFunctionCallerBinding::CallInternal() {
   for (int i = 0; i < innerCaller->GetNbArgs() && i < func.GetNbParameters(); ++i) {
     const KVLCodeValue* const fixed = FixedValue(*binding, i);
     const KVLSmartPtr<KVLCodeValue> arg = innerCaller->GetArg(i);
-    if (!fixed || !arg || !(func.GetParam(i).direction & Output)) continue;
+    if (!fixed || !arg || !(func.GetParam(i).direction & KVLCodeFunction::Output)) continue;
     // A fixed object that the function changes is changed in place, though it is held as const; one
     // that cannot take the result keeps what the attempt left in it.
     (void)const_cast<KVLCodeValue*>(fixed)->AssignFrom(*context, *arg);

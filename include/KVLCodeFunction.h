@@ -12,11 +12,14 @@ class KVLCodeFunctionCaller;
 /// Thread rule: see `KVLRefCounted`.
 class KVL_EXPORT KVLCodeFunction : public KVLCodeObject {
  public:
+  /// The bits of a parameter's direction.
+  enum Direction : unsigned int { Input = 1, Output = 2 };
+
   struct Param {
     MRBUnicodeString name;
     MRBUnicodeString typeName;      ///< as registered under "_types"
     MRBUnicodeString defaultValue;  ///< as text; empty when there is no default
-    unsigned int direction = 0;     ///< bit 0 (value 1): input; bit 1 (value 2): output
+    unsigned int direction = 0;     ///< `Direction` bits
   };
 
   /// Without parameters.

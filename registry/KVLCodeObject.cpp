@@ -1,6 +1,6 @@
 #include "KVLCodeObject.h"
 
-#include <cstdio>
+#include "KVLStandardOutput.h"
 
 KVLCodeObject::KVLCodeObject(const MRBUnicodeString& objectName) : name(objectName) {}
 
@@ -51,9 +51,5 @@ KVLVector<MRBUnicodeString> KVLCodeObject::Check() const {
 }
 
 void KVLCodeObject::Dump() const {
-  // The C library's stream is the one that every C++ stream on standard output stays in step with,
-  // and it needs no start-up work.
-  const MRBUnicodeString line = ToString() + "\n";
-  std::fwrite(line.ConvertToChar(), 1, static_cast<std::size_t>(line.GetLengthInByte()), stdout);
-  std::fflush(stdout);
+  KVLWriteLine(ToString());
 }

@@ -13,9 +13,6 @@ namespace {
 
 using Param = KVLCodeFunction::Param;
 
-constexpr unsigned int Input = 1;
-constexpr unsigned int Output = 2;
-
 // One call: the words of the command against the parameters of the function.
 class Call {
  public:
@@ -44,7 +41,7 @@ class Call {
     const int given = words.GetCount() - FirstArgument;
     int taken = 0;
     for (const Param& param : function.GetParams()) {
-      if (!(param.direction & Input)) {
+      if (!(param.direction & KVLCodeFunction::Input)) {
         texts.Append("");
         positions.Append(-1);
       } else if (taken < given) {
@@ -70,7 +67,7 @@ class Call {
     if (!caller) return Failed("the function makes no caller");
     for (int i = 0; i < texts.GetCount(); ++i) {
       const Param& param = function.GetParam(i);
-      if (!(param.direction & Input)) continue;
+      if (!(param.direction & KVLCodeFunction::Input)) continue;
       if (!caller->GetArg(i)) {
         return Failed("no argument '" + param.name + "' of type '" + param.typeName + "' is made");
       }
@@ -101,7 +98,7 @@ class Call {
     if (function.GetReturnTypeName() != "void") output.Print(result);
     for (int i = 0; i < texts.GetCount(); ++i) {
       const Param& param = function.GetParam(i);
-      if (param.direction & Output) output.Print(param.name + " = " + texts[i]);
+      if (param.direction & KVLCodeFunction::Output) output.Print(param.name + " = " + texts[i]);
     }
   }
 

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr unsigned int Input = 1;
-constexpr unsigned int Output = 2;
 constexpr int TitleWidth = 13;
 
 // Prints lines of the form "title: text".
@@ -31,8 +29,8 @@ class Sheet {
 };
 
 MRBUnicodeString ParamText(const KVLCodeFunction::Param& param) {
-  MRBUnicodeString text = param.direction & Input ? "in" : "";
-  if (param.direction & Output) text += text.IsEmpty() ? "out" : "/out";
+  MRBUnicodeString text = param.direction & KVLCodeFunction::Input ? "in" : "";
+  if (param.direction & KVLCodeFunction::Output) text += text.IsEmpty() ? "out" : "/out";
   text += " " + param.typeName + " " + param.name;
   return param.defaultValue.IsEmpty() ? text : text + " = " + param.defaultValue;
 }

@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr unsigned int Input = 1;
-constexpr unsigned int Output = 2;
-
 bool Passes(const KVLCodeFunction::Param& param, const MRBUnicodeString& typeName,
             unsigned int direction) {
   return param.typeName == typeName && (param.direction & direction) != 0;
@@ -103,14 +100,14 @@ long KVLCodeContext::Convert(const KVLCodeValue& from, KVLCodeValue& to) const {
   KVLSmartPtr<KVLCodeValue> returned;
   const int nbParameters = function->GetNbParameters();
   if (nbParameters == 1 && function->GetReturnTypeName() == targetTypeName &&
-      Passes(function->GetParam(0), sourceTypeName, Input)) {
+      Passes(function->GetParam(0), sourceTypeName, KVLCodeFunction::Input)) {
     const long callResult = CallWith(*caller, *this, from, returned);
     if (KVLFailed(callResult)) return callResult;
     const long assignResult = to.AssignFrom(*this, *returned);
     return KVLFailed(assignResult) ? assignResult : KVLResult_Success;
   }
-  if (nbParameters == 2 && Passes(function->GetParam(0), sourceTypeName, Input) &&
-      Passes(function->GetParam(1), targetTypeName, Output)) {
+  if (nbParameters == 2 && Passes(function->GetParam(0), sourceTypeName, KVLCodeFunction::Input) &&
+      Passes(function->GetParam(1), targetTypeName, KVLCodeFunction::Output)) {
     const long callResult = CallWith(*caller, *this, from, returned);
     if (KVLFailed(callResult)) return callResult;
     const KVLSmartPtr<KVLCodeValue> converted = caller->GetArg(1);
