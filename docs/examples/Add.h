@@ -12,7 +12,7 @@ class Add : public KVLCodeFunction {
   Add() : KVLCodeFunction("add", 2) {
     for (Param& param : params) {
       param.typeName = "Number";
-      param.direction = 1;  // input
+      param.direction = Input;
     }
     returnTypeName = "Number";
     Init("a, b = 1");

@@ -32,7 +32,7 @@ class WordToNumber : public KVLCodeFunction {
  public:
   WordToNumber() : KVLCodeFunction("Number", 1) {
     params[0].typeName = "Word";
-    params[0].direction = 1;
+    params[0].direction = Input;
     returnTypeName = "Number";
   }
   bool IsMethod() const override { return false; }

@@ -21,7 +21,7 @@ class Clip : public KVLCodeFunction {
   Clip() : KVLCodeFunction("clip", 2) {
     params[0].typeName = "KVLCodeSession";
     params[1].typeName = "Number";
-    params[0].direction = params[1].direction = 1;
+    params[0].direction = params[1].direction = Input;
     returnTypeName = "Number";
     Init("session, x");
   }

@@ -8,7 +8,7 @@ namespace {
 class Greet : public KVLCodeFunction {
  public:
   Greet() : KVLCodeFunction("greet", 1) {
-    params[0] = Param{"name", "Text", "", 1};
+    params[0] = Param{"name", "Text", "", Input};
     returnTypeName = "Text";
   }
   bool IsMethod() const override { return false; }
