@@ -1,6 +1,7 @@
 #include "KVLAlgoMatching.h"
 
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 
 // Left elements are 1 .. n1, right elements 1 .. n2, and 0 is the vertex that every free right
@@ -13,8 +14,19 @@ constexpr char Matchable = 'V';
 constexpr char Unmatchable = 'X';
 constexpr int Infinity = 1000000000;
 
+constexpr int WordBits = 64;
+
 int CountOf(int n) {
   return n < 0 ? 0 : n;
+}
+
+int WordsFor(int nbBits) {
+  return nbBits / WordBits + 1;
+}
+
+// The lowest bit that is set; there must be one.
+int LowestBit(std::uint64_t word) {
+  return __builtin_ctzll(word);
 }
 
 }  // namespace
@@ -66,6 +78,37 @@ bool KVLAlgoMatching::ElemMatch(int i, int j) const {
   return mark == Matchable;
 }
 
+// Asks about every pair of a left element, in order, and notes the answers as a row of bits: a
+// search passes through a row again and again, and would walk the marks down a column each time.
+void KVLAlgoMatching::KnowRow(int i) {
+  if (rowKnown[i - 1]) return;
+  std::uint64_t* const row = partners.GetData() + std::ptrdiff_t{i - 1} * WordsFor(n2);
+  for (int j = 1; j <= n2; ++j) {
+    if (ElemMatch(i, j)) row[j / WordBits] |= std::uint64_t{1} << (j % WordBits);
+  }
+  rowKnown[i - 1] = 1;
+}
+
+// The first right element behind `j` that left element `i` may be matched with; n2 + 1 for none.
+int KVLAlgoMatching::NextPartner(int i, int j) {
+  int next = j + 1;
+  if (!rowKnown[i - 1]) {
+    while (next <= n2 && !ElemMatch(i, next))
+      ++next;
+    return next;
+  }
+  const int nbWords = WordsFor(n2);
+  const std::uint64_t* const row = partners.GetData() + std::ptrdiff_t{i - 1} * nbWords;
+  int word = next / WordBits;
+  if (word == nbWords) return n2 + 1;
+  std::uint64_t bits = row[word] & ~std::uint64_t{0} << (next % WordBits);
+  while (bits == 0) {
+    if (++word == nbWords) return n2 + 1;
+    bits = row[word];
+  }
+  return word * WordBits + LowestBit(bits);
+}
+
 int& KVLAlgoMatching::Dist(int u) {
   return u == 0 ? distNil : dist[u - 1];
 }
@@ -83,8 +126,8 @@ bool KVLAlgoMatching::BFS() {
   for (int front = 0; front < queue.GetCount(); ++front) {
     const int u = queue[front];
     if (dist[u - 1] >= distNil) continue;
-    for (int j = 1; j <= n2; ++j) {
-      if (!ElemMatch(u, j)) continue;
+    KnowRow(u);
+    for (int j = NextPartner(u, 0); j <= n2; j = NextPartner(u, j)) {
       const int w = matchRight[j - 1];
       int& target = Dist(w);
       if (target != Infinity) continue;
@@ -108,9 +151,9 @@ bool KVLAlgoMatching::DFS(int u) {
   while (stack[stack.GetCount() - 1].x != 0) {
     Step& top = stack[stack.GetCount() - 1];
     const int nextLayer = dist[top.x - 1] + 1;
-    int j = top.k + 1;
-    while (j <= n2 && !(ElemMatch(top.x, j) && Dist(matchRight[j - 1]) == nextLayer))
-      ++j;
+    int j = NextPartner(top.x, top.k);
+    while (j <= n2 && Dist(matchRight[j - 1]) != nextLayer)
+      j = NextPartner(top.x, j);
     if (j <= n2) {
       top.k = j;
       stack.Append(Step{matchRight[j - 1], 0});
@@ -170,6 +213,10 @@ void KVLAlgoMatching::StoreFullMatching() {
 void KVLAlgoMatching::OptimizeMatching() {
   if (bestComputed) return;
   const int most = n1 < n2 ? n1 : n2;
+  if (nbMatched < most && rowKnown.IsEmpty()) {
+    rowKnown.Resize(n1);
+    partners.Resize(n1 * WordsFor(n2));
+  }
   while (nbMatched < most && BFS()) {
     for (int i = 1; i <= n1; ++i) {
       if (matchLeft[i - 1] == 0 && DFS(i)) ++nbMatched;

@@ -1,6 +1,8 @@
 #ifndef KVL_ALGO_MATCHING_H
 #define KVL_ALGO_MATCHING_H
 
+#include <cstdint>
+
 #include "KVLExport.h"
 #include "KVLVector.h"
 
@@ -10,8 +12,9 @@
 ///
 /// A cheap greedy pass settles the common case; where it leaves an element over, augmenting paths
 /// are searched in phases (Hopcroft-Karp): at most O(sqrt(n1 + n2)) phases of O(n1 x n2) each. The
-/// marks take n1 x n2 bytes. Nothing is computed twice. The predicate and its data must stay valid
-/// while questions are asked; it must not use this very object.
+/// marks take n1 x n2 bytes, and an eighth of that again where paths are searched. Nothing is
+/// computed twice. The predicate and its data must stay valid while questions are asked; it must
+/// not use this very object.
 ///
 /// Thread rule: every question may compute; an object belongs to one thread at a time.
 ///
@@ -48,6 +51,8 @@ class KVL_EXPORT KVLAlgoMatching {
   void OptimizeMatching();
   void ComputeBestMatching();
   void StoreFullMatching();
+  void KnowRow(int i);
+  int NextPartner(int i, int j);
   void Match(int i, int j);
 
   mutable KVLVector<char> edges;  // 0: not asked; 'V': may be matched; 'X': may not
@@ -63,6 +68,8 @@ class KVL_EXPORT KVLAlgoMatching {
   bool bestComputed;
   KVLVector<int> dist;  // the layer of each left element
   int distNil;
+  KVLVector<char> rowKnown;           // of each left element: whether its row below is complete
+  KVLVector<std::uint64_t> partners;  // a row of bits for each left element: who may be matched
 };
 
 #endif
