@@ -19,17 +19,31 @@ constexpr long KVLShellResult_NotFound = static_cast<std::int32_t>(0x80040203u);
 /// converted.
 constexpr long KVLShellResult_Argument = static_cast<std::int32_t>(0x80040204u);
 
+/// A library was not loaded or not unloaded.
+constexpr long KVLShellResult_Load = static_cast<std::int32_t>(0x80040205u);
+/// The user interrupted the text.
+constexpr long KVLShellResult_Interrupted = static_cast<std::int32_t>(0x80040206u);
+
+/// The text asked for the session to end, and the program with it, by `quit`. No failure: the exit
+/// code asked for, 0 to 255, is in the low byte.
+constexpr long KVLShellResult_Quit = 0x00040300;
+inline constexpr bool KVLShellIsQuit(long result) {
+  return (result & ~0xFFL) == KVLShellResult_Quit;
+}
+
 enum KVLExitCode {
   KVLExit_Done = 0,
   KVLExit_No = 1,        ///< the answer is "no", or what was asked for failed
   KVLExit_Usage = 2,     ///< not understood
   KVLExit_NotFound = 3,  ///< something that is named is not there
   KVLExit_Argument = 4,  ///< an argument or a conversion
-  KVLExit_Load = 5       ///< a library that is needed cannot be loaded
+  KVLExit_Load = 5,      ///< a library cannot be loaded or unloaded
+  KVLExit_Interrupted = 130
 };
 
 /// The exit code of a program whose last text returned `result`.
-inline constexpr KVLExitCode KVLExitCodeOf(long result) {
+inline constexpr int KVLExitCodeOf(long result) {
+  if (KVLShellIsQuit(result)) return static_cast<int>(result & 0xFF);
   switch (result) {
     case KVLResult_Success:
       return KVLExit_Done;
@@ -39,8 +53,11 @@ inline constexpr KVLExitCode KVLExitCodeOf(long result) {
       return KVLExit_NotFound;
     case KVLShellResult_Argument:
       return KVLExit_Argument;
+    case KVLShellResult_Load:
     case KVLResult_NotImplemented:
       return KVLExit_Load;
+    case KVLShellResult_Interrupted:
+      return KVLExit_Interrupted;
     default:
       return KVLExit_No;
   }
