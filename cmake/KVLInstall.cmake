@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(packageDir "${CMAKE_INSTALL_LIBDIR}/cmake/KVLKernel")
 
 install(
-  TARGETS KVLKernel
+  TARGETS KVLKernel KVLKit
   EXPORT KVLKernelTargets
   FILE_SET HEADERS
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/KVLKernel")

@@ -52,6 +52,8 @@ endif()
 
 list(TRANSFORM KVL_PUBLIC_HEADERS REPLACE ".*/" "" OUTPUT_VARIABLE headers)
 list(JOIN headers "," headers)
+list(TRANSFORM KVL_KIT_HEADERS REPLACE ".*/" "" OUTPUT_VARIABLE kitHeaders)
+list(JOIN kitHeaders "," kitHeaders)
 
 find_program(KVL_GCC NAMES g++ g++-12)
 find_program(KVL_CLANG NAMES clang++ clang++-14)
@@ -68,7 +70,14 @@ foreach(compiler IN ITEMS GCC CLANG)
         "-DINCLUDE=${PROJECT_SOURCE_DIR}/include" "-DHEADERS=${headers}"
         "-DSOURCE=${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp" -P
         "${CMAKE_CURRENT_SOURCE_DIR}/CheckHeaders.cmake")
-    set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS headers)
+    add_test(
+      NAME ${name}.Kit
+      COMMAND
+        "${CMAKE_COMMAND}" "-DCOMPILER=${KVL_${compiler}}" -DSTANDARD=${standard}
+        "-DINCLUDE=${PROJECT_SOURCE_DIR}/include,${PROJECT_SOURCE_DIR}/kit"
+        "-DHEADERS=${kitHeaders}" "-DSOURCE=${CMAKE_CURRENT_BINARY_DIR}/${name}.Kit.cpp" -P
+        "${CMAKE_CURRENT_SOURCE_DIR}/CheckHeaders.cmake")
+    set_tests_properties(${name} ${name}.Kit PROPERTIES TIMEOUT 120 LABELS headers)
   endforeach()
 endforeach()
 
