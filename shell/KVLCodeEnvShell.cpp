@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <exception>
 
-#include "KVLShellCommand.h"
-#include "KVLShellLine.h"
-#include "KVLShellOutcome.h"
+#include "KVLShellOutput.h"
 #include "KVLShellResult.h"
+#include "KVLShellSession.h"
+#include "KVLShellWork.h"
 
 namespace {
 
@@ -18,29 +18,26 @@ void WriteToStandardStreams(void*, int channel, const char* text, int length) {
   (void)std::fflush(stream);
 }
 
-long Run(const MRBUnicodeString& text, KVLShellOutput& output) {
-  KVLVector<KVLShellCommandWords> commands;
-  KVLShellSyntaxError error;
-  // Nothing runs when a part of the text is not understood.
-  if (!KVLShellParseLine(text, commands, error)) {
-    output.Report(text, KVLShellOutcome{KVLShellResult_Usage, error.message, error.position});
-    return KVLShellResult_Usage;
-  }
-  for (const KVLShellCommandWords& words : commands) {
-    const KVLShellOutcome outcome = KVLShellRunCommand(words, output);
-    if (outcome.code == KVLResult_Success) continue;
-    output.Report(text, outcome);
+long Run(const MRBUnicodeString& text, const KVLShellOutput& output) {
+  const KVLShellTextRun run;
+  if (run.IsTooDeep()) {
+    const KVLShellOutcome outcome(KVLResult_Failure, "texts run inside one another too deep");
+    output.Write(text, KVLShellAnswer(), outcome);
     return outcome.code;
   }
-  return KVLResult_Success;
+  KVLShellSession& session = KVLShellGetSession();
+  if (run.IsOutermost()) session.AddToHistory(text);
+  const long code = KVLShellRunText(text, session, output);
+  if (run.IsOutermost()) session.ReleaseLibraries();
+  return code;
 }
 
 }  // namespace
 
-extern "C" long KVLCodeShellRunTo(const MRBUnicodeString& text, KVLShellSink sink, void* receiver) {
+extern "C" long KVLCodeShellRunTo(const MRBUnicodeString& text, unsigned int flags,
+                                  KVLShellSink sink, void* receiver) {
   try {
-    KVLShellOutput output(sink, receiver);
-    return Run(text, output);
+    return Run(text, KVLShellOutput(sink, receiver, flags));
   } catch (const std::exception& exception) {
     // Without allocation: memory may be what is missing.
     char message[160];
@@ -55,5 +52,9 @@ extern "C" long KVLCodeShellRunTo(const MRBUnicodeString& text, KVLShellSink sin
 }
 
 extern "C" long KVLCodeShellStaticRun(const MRBUnicodeString& text) {
-  return KVLCodeShellRunTo(text, WriteToStandardStreams, nullptr);
+  return KVLCodeShellRunTo(text, 0, WriteToStandardStreams, nullptr);
+}
+
+extern "C" void KVLCodeShellInterrupt() {
+  KVLShellInterrupt();
 }

@@ -1,137 +1,157 @@
+#include "KVLShellCall.h"
+
 #include <exception>
 
-#include "KVLCodeContext.h"
-#include "KVLCodeFunction.h"
-#include "KVLCodeFunctionCaller.h"
 #include "KVLCodeValue.h"
-#include "KVLShellCommand.h"
 #include "KVLShellPath.h"
 #include "KVLShellResult.h"
-#include "KVLStringOperations.h"
+#include "KVLShellValue.h"
 
-namespace {
+KVLShellCall::KVLShellCall(const KVLShellWork& shellWork, const MRBUnicodeString& path,
+                           int position)
+    : work(shellWork), functionPath(path), functionPosition(position) {}
 
-using Param = KVLCodeFunction::Param;
+KVLShellOutcome KVLShellCall::Prepare() {
+  const KVLShellPlace place = KVLShellFind(functionPath);
+  if (!place.IsFound()) return KVLShellNotFound("function", functionPath, functionPosition);
+  if (!place.object || !place.object->AsFunction()) {
+    KVLShellOutcome outcome(KVLShellResult_NotFound,
+                            "'" + KVLShellPrintable(functionPath) + "' is not a function",
+                            functionPosition);
+    outcome.path = functionPath;
+    return outcome;
+  }
+  function = place.object;
+  try {
+    caller = GetFunction().CreateCaller(work.context);
+  } catch (const std::exception& exception) {
+    return Failed(exception.what(), 0);
+  }
+  if (!caller) return Failed("the function makes no caller", 0);
+  for (int i = 0; i < GetNbParameters(); ++i)
+    isSet.Append(false);
+  return KVLShellOutcome();
+}
 
-// One call: the words of the command against the parameters of the function.
-class Call {
- public:
-  Call(const KVLCodeFunction& called, const KVLShellCommandWords& commandWords)
-      : function(called), words(commandWords) {}
+int KVLShellCall::FindParameter(const MRBUnicodeString& parameterName) const {
+  for (int i = 0; i < GetNbParameters(); ++i)
+    if (GetParam(i).name == parameterName) return i;
+  return -1;
+}
 
-  KVLShellOutcome Run(KVLShellOutput& output) {
-    const KVLShellOutcome prepared = TakeWords();
-    if (prepared.code != KVLResult_Success) return prepared;
-    MRBUnicodeString result;
-    try {
-      const long code = function.ParseAndCall(context, texts, result);
-      if (KVLFailed(code)) return Explain(code);
-    } catch (const std::exception& exception) {
-      return Failed(exception.what());
-    } catch (...) {
-      return Failed("the function threw something that is no std::exception");
-    }
-    Print(output, result);
+KVLShellOutcome KVLShellCall::SetText(int i, const MRBUnicodeString& argumentText, int position,
+                                      const MRBUnicodeString& given) {
+  const KVLSmartPtr<KVLCodeValue> argument = caller->GetArg(i);
+  if (!argument) {
+    const KVLCodeFunction::Param& param = GetParam(i);
+    return Failed("no argument '" + param.name + "' of type '" + param.typeName + "' is made", 0);
+  }
+  const long code = argument->SetValueStr(work.context, argumentText);
+  if (KVLFailed(code)) return Unread(i, given, position, code);
+  isSet[i] = true;
+  return KVLShellOutcome();
+}
+
+KVLShellOutcome KVLShellCall::SetValue(int i, KVLSmartPtr<KVLCodeValue> value, int position) {
+  const long code = caller->SetArg(i, value);
+  if (!KVLFailed(code)) {
+    isSet[i] = true;
     return KVLShellOutcome();
   }
+  MRBUnicodeString text;
+  (void)value->GetValueStr(work.context, text);  // a text is nice to have
+  const KVLCodeFunction::Param& param = GetParam(i);
+  KVLShellOutcome outcome =
+      Refused("argument '" + param.name + "' expects " + param.typeName + ", got '" +
+                  KVLShellPrintable(text) + "' of type " + value->GetTypeName(),
+              position);
+  outcome.parameter = param.name;
+  outcome.expected = param.typeName;
+  outcome.got = text;
+  outcome.cause = code;
+  return outcome;
+}
 
- private:
-  // Only input parameters take a word; the texts of the others are there for their outputs.
-  KVLShellOutcome TakeWords() {
-    const int given = words.GetCount() - FirstArgument;
-    int taken = 0;
-    for (const Param& param : function.GetParams()) {
-      if (!(param.direction & KVLCodeFunction::Input)) {
-        texts.Append("");
-        positions.Append(-1);
-      } else if (taken < given) {
-        const KVLShellWord& word = words[FirstArgument + taken];
-        texts.Append(word.text);
-        positions.Append(word.position);
-        ++taken;
-      } else if (!param.defaultValue.IsEmpty()) {
-        texts.Append(param.defaultValue);
-        positions.Append(-1);
-      } else {
-        return Refused("argument '" + param.name + "' (" + param.typeName + ") is missing", -1);
-      }
+bool KVLShellCall::TrySetText(int i, const MRBUnicodeString& argumentText) {
+  const KVLSmartPtr<KVLCodeValue> argument = caller->GetArg(i);
+  if (!argument || KVLFailed(argument->SetValueStr(work.context, argumentText))) return false;
+  isSet[i] = true;
+  return true;
+}
+
+KVLShellOutcome KVLShellCall::Complete(int end) {
+  for (int i = 0; i < GetNbParameters(); ++i) {
+    if (isSet[i] || !IsInput(i)) continue;
+    const KVLCodeFunction::Param& param = GetParam(i);
+    if (param.defaultValue.IsEmpty()) {
+      KVLShellOutcome outcome =
+          Refused("argument '" + param.name + "' (" + param.typeName + ") is missing", end);
+      outcome.parameter = param.name;
+      outcome.expected = param.typeName;
+      return outcome;
     }
-    if (taken == given) return KVLShellOutcome();
-    return Refused("takes " + Count(taken) + ", got " + KVLStringOperations::FromNum(given),
-                   words[FirstArgument + taken].position);
+    const KVLShellOutcome outcome = SetText(i, param.defaultValue, -1, param.defaultValue);
+    if (!outcome.IsSuccess()) return outcome;
   }
+  return KVLShellOutcome();
+}
 
-  // Finds which argument it was that `ParseAndCall` could not read: its code does not tell.
-  KVLShellOutcome Explain(long code) const {
-    const KVLSmartPtr<KVLCodeFunctionCaller> caller = function.CreateCaller(context);
-    if (!caller) return Failed("the function makes no caller");
-    for (int i = 0; i < texts.GetCount(); ++i) {
-      const Param& param = function.GetParam(i);
-      if (!(param.direction & KVLCodeFunction::Input)) continue;
-      if (!caller->GetArg(i)) {
-        return Failed("no argument '" + param.name + "' of type '" + param.typeName + "' is made");
-      }
-      if (!KVLFailed(caller->SetArgStr(i, texts[i]))) continue;
-      return Refused("argument '" + param.name + "' expects " + param.typeName + ", got '" +
-                         KVLShellPrintable(texts[i]) + "'",
-                     positions[i]);
-    }
-    return Failed("the call failed with " + KVLShellCodeText(code));
+KVLShellOutcome KVLShellCall::Run() {
+  if (KVLShellIsInterrupted()) return Interrupted();
+  try {
+    const long code = caller->Call();
+    if (KVLFailed(code)) return Failed("the call failed with " + KVLShellCodeText(code), code);
+  } catch (const std::exception& exception) {
+    return KVLShellIsInterrupted() ? Interrupted() : Failed(exception.what(), 0);
+  } catch (...) {
+    return Failed("the function threw something that is no std::exception", 0);
   }
+  if (caller->GetReturnedValue()) return KVLShellOutcome();
+  return Failed("the call failed with " + KVLShellCodeText(KVLResult_Failure), KVLResult_Failure);
+}
 
-  KVLShellOutcome Refused(const MRBUnicodeString& message, int position) const {
-    KVLShellOutcome outcome;
-    outcome.code = KVLShellResult_Argument;
-    outcome.message = words[PathWord].text + ": " + message;
-    outcome.position = position;
-    return outcome;
-  }
+KVLShellOutcome KVLShellCall::Describe(const KVLCodeValue& value, KVLShellNode& node) const {
+  MRBUnicodeString text;
+  const long code = value.GetValueStr(work.context, text);
+  if (KVLFailed(code)) return Failed("the call failed with " + KVLShellCodeText(code), code);
+  node = KVLShellNode::NewValue(value.GetTypeName(), text);
+  return KVLShellOutcome();
+}
 
-  KVLShellOutcome Failed(const MRBUnicodeString& message) const {
-    KVLShellOutcome outcome;
-    outcome.code = KVLResult_Failure;
-    outcome.message = words[PathWord].text + ": " + message;
-    return outcome;
-  }
+KVLShellOutcome KVLShellCall::Refused(const MRBUnicodeString& message, int position) const {
+  KVLShellOutcome outcome(KVLShellResult_Argument, KVLShellPrintable(functionPath) + ": " + message,
+                          position);
+  outcome.path = functionPath;
+  return outcome;
+}
 
-  void Print(KVLShellOutput& output, const MRBUnicodeString& result) const {
-    if (function.GetReturnTypeName() != "void") output.Print(result);
-    for (int i = 0; i < texts.GetCount(); ++i) {
-      const Param& param = function.GetParam(i);
-      if (param.direction & KVLCodeFunction::Output) output.Print(param.name + " = " + texts[i]);
-    }
-  }
+KVLShellOutcome KVLShellCall::Failed(const MRBUnicodeString& message, long cause) const {
+  KVLShellOutcome outcome(KVLResult_Failure, KVLShellPrintable(functionPath) + ": " + message,
+                          functionPosition);
+  outcome.path = functionPath;
+  outcome.cause = cause;
+  return outcome;
+}
 
-  static MRBUnicodeString Count(int arguments) {
-    return KVLStringOperations::FromNum(arguments) + (arguments == 1 ? " argument" : " arguments");
-  }
+KVLShellOutcome KVLShellCall::Unread(int i, const MRBUnicodeString& given, int position,
+                                     long cause) const {
+  const KVLCodeFunction::Param& param = GetParam(i);
+  KVLShellOutcome outcome = Refused("argument '" + param.name + "' expects " + param.typeName +
+                                        ", got '" + KVLShellPrintable(given) + "'",
+                                    position);
+  outcome.parameter = param.name;
+  outcome.expected = param.typeName;
+  outcome.got = given;
+  outcome.cause = cause;
+  const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(param.typeName);
+  KVLVector<MRBUnicodeString> names;
+  if (type && type->GetEnumValues(names)) outcome.suggestion = KVLShellNearest(given, names);
+  return outcome;
+}
 
-  static constexpr int PathWord = 1;
-  static constexpr int FirstArgument = 2;
-
-  const KVLCodeContext context;
-  const KVLCodeFunction& function;
-  const KVLShellCommandWords& words;
-  KVLVector<MRBUnicodeString> texts;  // one a parameter
-  KVLVector<int> positions;           // of the word that gave the text; -1 for none
-};
-
-}  // namespace
-
-KVLShellOutcome KVLShellCall(const KVLShellCommandWords& words, KVLShellOutput& output) {
-  if (words.GetCount() < 2) {
-    return KVLShellMisused(words, "the path of a function is missing", -1);
-  }
-  const KVLShellWord& pathWord = words[1];
-  const KVLShellPlace place = KVLShellFind(pathWord.text);
-  if (!place.IsFound()) return KVLShellNotFound("function", pathWord.text, pathWord.position);
-  const KVLSmartPtr<KVLCodeObject> object = place.object;  // lives as long as the call
-  if (!object || !object->AsFunction()) {
-    KVLShellOutcome outcome;
-    outcome.code = KVLShellResult_NotFound;
-    outcome.position = pathWord.position;
-    outcome.message = "'" + KVLShellPrintable(pathWord.text) + "' is not a function";
-    return outcome;
-  }
-  return Call(*object->AsFunction(), words).Run(output);
+KVLShellOutcome KVLShellCall::Interrupted() const {
+  KVLShellOutcome outcome(KVLShellResult_Interrupted,
+                          KVLShellPrintable(functionPath) + ": interrupted", functionPosition);
+  outcome.path = functionPath;
+  return outcome;
 }

@@ -1,119 +1,132 @@
 #include "KVLShellCommand.h"
 
-#include "KVLCodeEnvAccess.h"
+#include <cstring>
+
 #include "KVLShellPath.h"
 #include "KVLShellResult.h"
 #include "KVLStringOperations.h"
 
 namespace {
 
-KVLShellOutcome Check(const KVLShellCommandWords& words, KVLShellOutput&) {
-  if (words.GetCount() > 1) return KVLShellMisused(words, "takes no words", words[1].position);
-  // The report goes to standard output; there is nothing to add to it.
-  KVLShellOutcome outcome;
-  outcome.code = KVLCodeEnvAccess::CheckAndDump();
-  return outcome;
+// Sorted by name.
+constexpr const KVLShellCommand* Commands[] = {
+    &KVLShellCallCommand,  &KVLShellCheckCommand, &KVLShellConvertCommand, &KVLShellHelpCommand,
+    &KVLShellInfoCommand,  &KVLShellLsCommand,    &KVLShellQuitCommand,    &KVLShellTimeCommand,
+    &KVLShellUnsetCommand, &KVLShellVarsCommand};
+
+MRBUnicodeString Count(int words) {
+  return KVLStringOperations::FromNum(words) + (words == 1 ? " word" : " words");
 }
 
-KVLShellOutcome Help(const KVLShellCommandWords& words, KVLShellOutput& output);
-
-constexpr KVLShellCommand Commands[] = {
-    {"call", "call PATH TEXT...", "calls a function",
-     "  Each TEXT is read as the input parameter at its place; those left out take their "
-     "defaults.\n"
-     "  The result is printed, then each output parameter on a line of its own.\n"
-     "    call math/add 3.5 4.25\n"
-     "    call text/join [1,\"a b\",true] \" - \"\n"
-     "    call _members/Point/Distance (0,0) (3,4)\n",
-     KVLShellCall},
-    {"check", "check", "checks the registry and prints what is wrong with it", "", Check},
-    {"convert", "convert VALUE [FROM] TO", "converts a value to another type",
-     "  Without FROM, the value is taken as a list when it begins with \"[\", else as a bool, an "
-     "int\n"
-     "  or a double when it reads as one, else (or when it is quoted) as a string.\n"
-     "    convert 3 double\n"
-     "    convert 2.0 double int\n"
-     "    convert \"12\" int\n",
-     KVLShellConvert},
-    {"help", "help [COMMAND]", "tells what there is, or how a command is used", "", Help},
-    {"info", "info PATH", "tells what is known about what a path leads to", "", KVLShellInfo},
-    {"ls", "ls [-r] [PATH]", "lists an environment",
-     "  With -r, also everything below it. A name with \"/\" behind it is an environment.\n",
-     KVLShellLs}};
-
-MRBUnicodeString Padded(const MRBUnicodeString& text, int width) {
-  MRBUnicodeString padded = text;
-  while (padded.GetLengthInByte() < width)
-    padded += " ";
-  return padded;
+bool IsChoice(const char* choices, const MRBUnicodeString& text) {
+  for (const MRBUnicodeString& choice : KVLStringOperations::Split(choices, "|"))
+    if (choice == text) return true;
+  return false;
 }
 
-KVLVector<MRBUnicodeString> CommandNames() {
+KVLVector<MRBUnicodeString> OptionNames(const KVLShellCommand& command) {
   KVLVector<MRBUnicodeString> names;
-  for (const KVLShellCommand& command : Commands)
-    names.Append(command.name);
+  for (const KVLShellOption& option : command.options)
+    if (option.name) names.Append(option.name);
+  names.Append(KVLShellJsonOption);
   return names;
-}
-
-KVLShellOutcome UnknownCommand(const KVLShellWord& word, long code) {
-  KVLShellOutcome outcome;
-  outcome.code = code;
-  outcome.position = word.position;
-  outcome.message = "unknown command '" + KVLShellPrintable(word.text) + "'";
-  const MRBUnicodeString nearest = KVLShellNearest(word.text, CommandNames());
-  if (!nearest.IsEmpty()) {
-    outcome.message += "; did you mean '" + nearest + "'?";
-  } else if (KVLShellFind(word.text).object) {
-    outcome.message += "; 'call " + KVLShellPrintable(word.text) + " ...' calls a function";
-  } else {
-    outcome.message += "; 'help' lists the commands";
-  }
-  return outcome;
-}
-
-KVLShellOutcome Help(const KVLShellCommandWords& words, KVLShellOutput& output) {
-  if (words.GetCount() > 2) {
-    return KVLShellMisused(words, "takes at most one word", words[2].position);
-  }
-  if (words.GetCount() == 2) {
-    const KVLShellCommand* const command = KVLShellFindCommand(words[1].text);
-    if (!command) return UnknownCommand(words[1], KVLShellResult_NotFound);
-    output.Print(MRBUnicodeString(command->usage) + ": " + command->summary);
-    for (const MRBUnicodeString& line : KVLStringOperations::Split(command->details, "\n"))
-      output.Print(line);
-    return KVLShellOutcome();
-  }
-  constexpr int UsageWidth = 26;
-  for (const KVLShellCommand& command : Commands)
-    output.Print(Padded(command.usage, UsageWidth) + command.summary);
-  output.Print(
-      "\";\" separates commands, \"#\" starts a comment. \"...\" quotes a word that holds");
-  output.Print("blanks; between brackets, as in [1, \"a b\"], all belongs to the word.");
-  return KVLShellOutcome();
 }
 
 }  // namespace
 
+const char* const KVLShellJsonOption = "--json";
+
 const KVLShellCommand* KVLShellFindCommand(const MRBUnicodeString& commandName) {
-  for (const KVLShellCommand& command : Commands)
-    if (commandName == command.name) return &command;
+  for (const KVLShellCommand* const command : Commands)
+    if (commandName == command->name) return command;
   return nullptr;
 }
 
-KVLShellOutcome KVLShellRunCommand(const KVLShellCommandWords& words, KVLShellOutput& output) {
-  const KVLShellCommand* const command = KVLShellFindCommand(words[0].text);
-  if (!command) return UnknownCommand(words[0], KVLShellResult_Usage);
-  return command->run(words, output);
+const KVLShellCommand* const* KVLShellCommands(int* count) {
+  *count = static_cast<int>(sizeof(Commands) / sizeof(Commands[0]));
+  return Commands;
 }
 
-KVLShellOutcome KVLShellMisused(const KVLShellCommandWords& words, const MRBUnicodeString& message,
-                                int position) {
-  KVLShellOutcome outcome;
-  outcome.code = KVLShellResult_Usage;
-  outcome.position = position;
-  outcome.message = words[0].text + ": " + message;
-  const KVLShellCommand* const command = KVLShellFindCommand(words[0].text);
-  if (command) outcome.message += MRBUnicodeString("; usage: ") + command->usage;
+KVLShellOutcome KVLShellArguments::Read() {
+  const KVLShellCommand& command = *statement.command;
+  const bool hasOptions = command.style == KVLShellStyle_Words;
+  for (int i = 1; i < statement.words.GetCount(); ++i) {
+    if (hasOptions && KVLShellIsOption(statement.words[i])) {
+      const KVLShellOutcome outcome = ReadOption(i);
+      if (!outcome.IsSuccess()) return outcome;
+    } else {
+      words.Append(&statement.words[i]);
+    }
+  }
+  const int count = words.GetCount();
+  if (statement.hasExpression) return KVLShellOutcome();
+  if (count < command.minWords) {
+    const bool isExact = command.minWords == command.maxWords;
+    return Misused(MRBUnicodeString(isExact ? "takes " : "takes at least ") +
+                       Count(command.minWords) + ", got " + KVLStringOperations::FromNum(count),
+                   statement.end);
+  }
+  if (command.maxWords < 0 || count <= command.maxWords) return KVLShellOutcome();
+  const bool isExact = command.minWords == command.maxWords;
+  const MRBUnicodeString most =
+      command.maxWords == 0 ? MRBUnicodeString("no words") : Count(command.maxWords);
+  return Misused((isExact ? "takes " : "takes at most ") + most + ", got " +
+                     KVLStringOperations::FromNum(count),
+                 words[command.maxWords]->position);
+}
+
+KVLShellOutcome KVLShellArguments::ReadOption(int& i) {
+  const KVLShellWord& word = statement.words[i];
+  if (word.text == KVLShellJsonOption) {
+    given.Append(Given{&word, nullptr});
+    return KVLShellOutcome();
+  }
+  for (const KVLShellOption& option : statement.command->options) {
+    if (!option.name) break;
+    if (word.text != option.name) continue;
+    if (!option.value) {
+      given.Append(Given{&word, nullptr});
+      return KVLShellOutcome();
+    }
+    if (i + 1 == statement.words.GetCount()) {
+      return Misused(MRBUnicodeString("'") + option.name + "' takes a " + option.value, word.end);
+    }
+    const KVLShellWord& value = statement.words[++i];
+    given.Append(Given{&word, &value});
+    if (!option.choices || IsChoice(option.choices, value.text)) return KVLShellOutcome();
+    KVLShellOutcome outcome =
+        Misused(MRBUnicodeString("'") + option.name + "' takes " + option.choices + ", got '" +
+                    KVLShellPrintable(value.text) + "'",
+                value.position);
+    outcome.got = value.text;
+    return outcome;
+  }
+  KVLShellOutcome outcome =
+      Misused("unknown option '" + KVLShellPrintable(word.text) + "'", word.position);
+  // One letter is as near as any other.
+  const bool isLong = KVLStringOperations::StartsWith(word.text, "--");
+  if (isLong) outcome.suggestion = KVLShellNearest(word.text, OptionNames(*statement.command));
+  outcome.got = word.text;
+  return outcome;
+}
+
+bool KVLShellArguments::Has(const char* optionName) const {
+  for (const Given& option : given)
+    if (option.option->text == optionName) return true;
+  return false;
+}
+
+const KVLShellWord* KVLShellArguments::ValueOf(const char* optionName) const {
+  for (const Given& option : given)
+    if (option.option->text == optionName) return option.value;
+  return nullptr;
+}
+
+KVLShellOutcome KVLShellArguments::Misused(const MRBUnicodeString& message, int position) const {
+  const KVLShellCommand& command = *statement.command;
+  KVLShellOutcome outcome(KVLShellResult_Usage, MRBUnicodeString(command.name) + ": " + message,
+                          position);
+  outcome.usage = command.usage;
   return outcome;
 }
 

@@ -137,10 +137,10 @@ KVLShellOutcome KVLShellNotFound(const MRBUnicodeString& kind, const MRBUnicodeS
     if (next.IsEmpty()) break;
     envs = next;
   }
-  KVLShellOutcome outcome;
-  outcome.code = KVLShellResult_NotFound;
-  outcome.position = position;
-  outcome.message = "no " + kind + " '" + KVLShellPrintable(path) + "'";
+  KVLShellOutcome outcome(KVLShellResult_NotFound,
+                          "no " + kind + " '" + KVLShellPrintable(path) + "'", position);
+  outcome.path = path;
+  outcome.got = path;
   if (names.IsEmpty()) return outcome;
 
   const MRBUnicodeString parent = PathOf(names, reached);
@@ -161,7 +161,7 @@ KVLShellOutcome KVLShellNotFound(const MRBUnicodeString& kind, const MRBUnicodeS
     if (!KVLShellFind(meant + "/" + names[i]).IsFound()) break;
     meant += "/" + names[i];
   }
-  outcome.message += "; did you mean '" + KVLShellPrintable(meant) + "'?";
+  outcome.suggestion = meant;
   return outcome;
 }
 

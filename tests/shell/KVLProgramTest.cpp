@@ -121,7 +121,9 @@ TEST(KVLProgram, AnArgumentOfTheWrongFormExitsWith4) {
 TEST(KVLProgram, AMissingOrSurplusArgumentExitsWith4) {
   EXPECT_EQ(RunText("call math/add 1").exitCode, KVLExit_Argument);
   EXPECT_EQ(RunText("call math/add 1").error,
-            "error: math/add: argument 'b' (double) is missing\n");
+            "error: math/add: argument 'b' (double) is missing\n"
+            "  call math/add 1\n"
+            "                 ^\n");
   EXPECT_EQ(RunText("call math/add 1 2 3").exitCode, KVLExit_Argument);
   EXPECT_EQ(RunText("call math/add 1 2 3").error,
             "error: math/add: takes 2 arguments, got 3\n"
@@ -170,7 +172,10 @@ TEST(KVLProgram, WhatIsNotThereExitsWith3) {
 TEST(KVLProgram, AFailedCallExitsWith1) {
   const Ended ended = RunText("call math/div 1 0");
   EXPECT_EQ(ended.exitCode, KVLExit_No);
-  EXPECT_EQ(ended.error, "error: math/div: division by zero\n");
+  EXPECT_EQ(ended.error,
+            "error: math/div: division by zero\n"
+            "  call math/div 1 0\n"
+            "       ^\n");
 }
 
 TEST(KVLProgram, WhatIsNotUnderstoodExitsWith2) {

@@ -32,7 +32,7 @@ void Collect(void* receiver, int channel, const char* text, int length) {
 
 Said Ask(const MRBUnicodeString& text) {
   Said said;
-  said.code = KVLCodeShellRunTo(text, Collect, &said);
+  said.code = KVLCodeShellRunTo(text, 0, Collect, &said);
   return said;
 }
 
@@ -87,7 +87,10 @@ TEST(KVLShellRun, AMissingArgumentIsNamed) {
   const Published join(NewJoin(), "shelltest/join");
   const Said said = Ask("call shelltest/join");
   EXPECT_EQ(said.code, KVLShellResult_Argument);
-  EXPECT_EQ(said.error, "error: shelltest/join: argument 'a' (string) is missing\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/join: argument 'a' (string) is missing\n"
+            "  call shelltest/join\n"
+            "                     ^\n");
 }
 
 TEST(KVLShellRun, TooManyArgumentsAreCounted) {
@@ -142,7 +145,10 @@ TEST(KVLShellRun, AnExceptionOfTheFunctionIsShown) {
                        "shelltest/fail");
   const Said said = Ask("call shelltest/fail");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/fail: the disk is full\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/fail: the disk is full\n"
+            "  call shelltest/fail\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, AnyThrownThingIsCaught) {
@@ -152,7 +158,9 @@ TEST(KVLShellRun, AnyThrownThingIsCaught) {
   const Said said = Ask("call shelltest/fail");
   EXPECT_EQ(said.code, KVLResult_Failure);
   EXPECT_EQ(said.error,
-            "error: shelltest/fail: the function threw something that is no std::exception\n");
+            "error: shelltest/fail: the function threw something that is no std::exception\n"
+            "  call shelltest/fail\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, AMethodOnNothingIsAFailedCall) {
@@ -166,14 +174,20 @@ TEST(KVLShellRun, AMethodOnNothingIsAFailedCall) {
   const Published published(method, "shelltest/method");
   const Said said = Ask("call shelltest/method x");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/method: Calling method on null pointer\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/method: Calling method on null pointer\n"
+            "  call shelltest/method x\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, ACallWithoutReturnedValueHasFailed) {
   const Published nothing(new TestFunction("nothing", "string", {}, Nothing), "shelltest/nothing");
   const Said said = Ask("call shelltest/nothing");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/nothing: the call failed with 0x80004005\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/nothing: the call failed with 0x80004005\n"
+            "  call shelltest/nothing\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, AFunctionWithoutCallerHasFailed) {
@@ -182,7 +196,10 @@ TEST(KVLShellRun, AFunctionWithoutCallerHasFailed) {
   const Published published(function, "shelltest/f");
   const Said said = Ask("call shelltest/f");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/f: the function makes no caller\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/f: the function makes no caller\n"
+            "  call shelltest/f\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, AMissingArgumentObjectIsAFailureOfTheFunction) {
@@ -191,7 +208,10 @@ TEST(KVLShellRun, AMissingArgumentObjectIsAFailureOfTheFunction) {
   const Published published(function, "shelltest/f");
   const Said said = Ask("call shelltest/f x");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/f: no argument 'a' of type 'string' is made\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/f: no argument 'a' of type 'string' is made\n"
+            "  call shelltest/f x\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, AMistypedNameGetsTheNearest) {
@@ -334,7 +354,10 @@ TEST(KVLShellRun, TheShellNeverClaimsToBeMissing) {
   const Published published(function, "shelltest/f");
   const Said said = Ask("call shelltest/f");
   EXPECT_EQ(said.code, KVLResult_Failure);
-  EXPECT_EQ(said.error, "error: shelltest/f: the call failed with 0x80004001\n");
+  EXPECT_EQ(said.error,
+            "error: shelltest/f: the call failed with 0x80004001\n"
+            "  call shelltest/f\n"
+            "       ^\n");
 }
 
 TEST(KVLShellRun, CommandsRunInOrderUpToTheFirstFailure) {
@@ -383,15 +406,15 @@ TEST(KVLShellRun, MisuseTellsTheUsage) {
     const char* text;
     const char* message;
   } cases[] = {
-      {"call", "call: the path of a function is missing; usage: call PATH TEXT..."},
-      {"check now", "check: takes no words; usage: check"},
-      {"convert 1", "convert: a value and a type are needed; usage: convert VALUE [FROM] TO"},
-      {"convert 1 a b c", "convert: takes at most three words; usage: convert VALUE [FROM] TO"},
-      {"help a b", "help: takes at most one word; usage: help [COMMAND]"},
-      {"info", "info: a path is missing; usage: info PATH"},
-      {"info a b", "info: takes one path; usage: info PATH"},
-      {"ls -x", "ls: unknown option '-x'; usage: ls [-r] [PATH]"},
-      {"ls a b", "ls: takes one path; usage: ls [-r] [PATH]"},
+      {"call", "call: takes at least 1 word, got 0; usage: call PATH TEXT..."},
+      {"check now", "check: takes no words, got 1; usage: check"},
+      {"convert 1", "convert: takes at least 2 words, got 1; usage: convert VALUE [FROM] TO"},
+      {"convert 1 a b c", "convert: takes at most 3 words, got 4; usage: convert VALUE [FROM] TO"},
+      {"help a b", "help: takes at most 1 word, got 2; usage: help [TOPIC]"},
+      {"info", "info: takes 1 word, got 0; usage: info PATH"},
+      {"info a b", "info: takes 1 word, got 2; usage: info PATH"},
+      {"ls -x", "ls: unknown option '-x'; usage: ls [-r] [-k KIND] [PATH]"},
+      {"ls a b", "ls: takes at most 1 word, got 2; usage: ls [-r] [-k KIND] [PATH]"},
   };
   for (const auto& misuse : cases) {
     const Said said = Ask(misuse.text);
@@ -449,7 +472,10 @@ TEST(KVLShellRun, NoExceptionLeavesTheShell) {
     throw std::runtime_error("no arguments today");
   };
   const Published published(describing, "shelltest/f");
-  EXPECT_EQ(Ask("call shelltest/f x").error, "error: shelltest/f: no arguments today\n");
+  EXPECT_EQ(Ask("call shelltest/f x").error,
+            "error: shelltest/f: no arguments today\n"
+            "  call shelltest/f x\n"
+            "       ^\n");
 }
 
 TEST(KVLShellNearest, OnlyWhatIsNearIsMeant) {
