@@ -399,7 +399,7 @@ constexpr void AddParam(ParamTable*& next) {
 template <class... P>
 constexpr auto MakeParams() {
   ParamArray<ArgumentOf<P...>(static_cast<int>(sizeof...(P)))> array{};
-  ParamTable* next = array.params;
+  [[maybe_unused]] ParamTable* next = array.params;
   (AddParam<P>(next), ...);
   return array;
 }
