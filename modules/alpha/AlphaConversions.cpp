@@ -121,8 +121,5 @@ const KVLCodeObjectRegisterer stringToBool = Checked<AlphaString, AlphaBool>(__L
 const KVLCodeObjectRegisterer stringToInt = Checked<AlphaString, AlphaInt>(__LINE__);
 const KVLCodeObjectRegisterer stringToLong = Checked<AlphaString, AlphaLong>(__LINE__);
 const KVLCodeObjectRegisterer stringToDouble = Checked<AlphaString, AlphaDouble>(__LINE__);
-const KVLCodeObjectRegisterer stringToPoint = Checked<AlphaString, AlphaPlanePoint>(__LINE__);
-
-const KVLCodeObjectRegisterer pointToString = Text<AlphaPlanePoint>(__LINE__);
 
 }  // namespace

@@ -77,7 +77,6 @@ KVLSmartPtr<KVLCodeValue> AlphaMakeValue(const MRBUnicodeString& typeName,
   if (typeName == "long") return new AlphaScalarValue<AlphaLong>(valueName);
   if (typeName == "double") return new AlphaScalarValue<AlphaDouble>(valueName);
   if (typeName == "string") return new AlphaScalarValue<AlphaString>(valueName);
-  if (typeName == "Point") return new AlphaScalarValue<AlphaPlanePoint>(valueName);
   if (typeName == AlphaListTypeName) {
     const KVLSmartPtr<KVLCodeListValue> list = new KVLCodeListValue(valueName, typeName);
     (void)list->MakeOwnElements();

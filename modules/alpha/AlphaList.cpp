@@ -36,7 +36,6 @@ KVLSmartPtr<KVLCodeValue> ReadElement(const MRBUnicodeString& text, int depth) {
   if (const KVLSmartPtr<KVLCodeValue> value = ReadAs<AlphaBool>(text)) return value;
   if (const KVLSmartPtr<KVLCodeValue> value = ReadAs<AlphaInt>(text)) return value;
   if (const KVLSmartPtr<KVLCodeValue> value = ReadAs<AlphaDouble>(text)) return value;
-  if (const KVLSmartPtr<KVLCodeValue> value = ReadAs<AlphaPlanePoint>(text)) return value;
   return ReadAs<AlphaString>(text);
 }
 
@@ -92,7 +91,7 @@ long WriteElement(const KVLCodeContext& context, const KVLCodeValue& element, in
   if (typeName == AlphaDouble::TypeName) {
     text = WithPoint(text);
   } else if (typeName != AlphaBool::TypeName && typeName != AlphaInt::TypeName &&
-             typeName != AlphaLong::TypeName && typeName != AlphaPlanePoint::TypeName) {
+             typeName != AlphaLong::TypeName) {
     text = AlphaQuote(text);
   }
   return KVLResult_Success;

@@ -16,7 +16,6 @@ constexpr const char* AlphaListTypeName = "KVLVector<KVLCodeValue_var>";
 /// - "true" or "false": "bool";
 /// - a decimal number without point and exponent that fits 32 bits: "int";
 /// - another number: "double";
-/// - "(x, y)": "Point";
 /// - any other text: "string".
 ///
 /// What is written reads back: a double is written with a point or an exponent, a string always

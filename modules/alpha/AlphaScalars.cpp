@@ -52,13 +52,11 @@ template class AlphaScalarValue<AlphaInt>;
 template class AlphaScalarValue<AlphaLong>;
 template class AlphaScalarValue<AlphaDouble>;
 template class AlphaScalarValue<AlphaString>;
-template class AlphaScalarValue<AlphaPlanePoint>;
 template class AlphaScalarType<AlphaBool>;
 template class AlphaScalarType<AlphaInt>;
 template class AlphaScalarType<AlphaLong>;
 template class AlphaScalarType<AlphaDouble>;
 template class AlphaScalarType<AlphaString>;
-template class AlphaScalarType<AlphaPlanePoint>;
 
 AlphaVoidValue::AlphaVoidValue(const MRBUnicodeString& valueName)
     : KVLCodeValue(valueName, "void") {}

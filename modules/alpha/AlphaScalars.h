@@ -6,12 +6,6 @@
 #include "KVLCodeType.h"
 #include "KVLCodeValue.h"
 
-/// A point of the plane: the data of the type "Point".
-struct AlphaPoint {
-  double x = 0;
-  double y = 0;
-};
-
 /// What the module's values hold, by the name of their type: the representation that
 /// `KVLCodeValue::GetValuePtr` designates.
 struct AlphaBool {
@@ -34,10 +28,6 @@ struct AlphaDouble {
 struct AlphaString {
   using Data = MRBUnicodeString;
   static constexpr const char* TypeName = "string";
-};
-struct AlphaPlanePoint {
-  using Data = AlphaPoint;
-  static constexpr const char* TypeName = "Point";
 };
 
 /// A value that holds one datum, written and read as `AlphaText.h` says.
@@ -75,13 +65,11 @@ extern template class AlphaScalarValue<AlphaInt>;
 extern template class AlphaScalarValue<AlphaLong>;
 extern template class AlphaScalarValue<AlphaDouble>;
 extern template class AlphaScalarValue<AlphaString>;
-extern template class AlphaScalarValue<AlphaPlanePoint>;
 extern template class AlphaScalarType<AlphaBool>;
 extern template class AlphaScalarType<AlphaInt>;
 extern template class AlphaScalarType<AlphaLong>;
 extern template class AlphaScalarType<AlphaDouble>;
 extern template class AlphaScalarType<AlphaString>;
-extern template class AlphaScalarType<AlphaPlanePoint>;
 
 /// What a function without a result returns: a value of the type "void", whose only text is the
 /// empty one. A call that returns no value at all counts as failed.

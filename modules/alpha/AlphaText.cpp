@@ -98,24 +98,6 @@ long AlphaRead(const MRBUnicodeString& text, MRBUnicodeString& data) {
   return Unquote(text, data) ? KVLResult_Success : KVLResult_InvalidArgument;
 }
 
-long AlphaRead(const MRBUnicodeString& text, AlphaPoint& data) {
-  const int length = text.GetLengthInByte();
-  const int comma = text.SearchSubString(",", 0, MRBUnicodeString::MRBSearchForward);
-  if (KVLStringOperations::GetCharAt(text, 0) != '(' || comma < 0 ||
-      KVLStringOperations::GetCharAt(text, length - 1) != ')') {
-    return KVLResult_InvalidArgument;
-  }
-  const MRBUnicodeString x = text.SubString(1, comma - 1).Strip(MRBUnicodeString::MRBStripBoth);
-  const MRBUnicodeString y =
-      text.SubString(comma + 1, length - comma - 2).Strip(MRBUnicodeString::MRBStripBoth);
-  AlphaPoint point;
-  if (KVLFailed(AlphaRead(x, point.x)) || KVLFailed(AlphaRead(y, point.y))) {
-    return KVLResult_InvalidArgument;
-  }
-  data = point;
-  return KVLResult_Success;
-}
-
 void AlphaWrite(bool data, MRBUnicodeString& text) {
   text = data ? "true" : "false";
 }
@@ -130,10 +112,6 @@ void AlphaWrite(double data, MRBUnicodeString& text) {
 
 void AlphaWrite(const MRBUnicodeString& data, MRBUnicodeString& text) {
   text = BeginsWithQuote(data) ? AlphaQuote(data) : data;
-}
-
-void AlphaWrite(const AlphaPoint& data, MRBUnicodeString& text) {
-  text = "(" + NumberText(data.x) + ", " + NumberText(data.y) + ")";
 }
 
 MRBUnicodeString AlphaQuote(const MRBUnicodeString& data) {

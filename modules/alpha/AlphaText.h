@@ -6,8 +6,6 @@
 #include "KVLResult.h"
 #include "MRBUnicodeString.h"
 
-struct AlphaPoint;
-
 /// The text forms of the module's data. Every text that `AlphaWrite` makes, `AlphaRead` reads back
 /// to the same data; neither looks at the locale.
 ///
@@ -23,8 +21,6 @@ long AlphaRead(const MRBUnicodeString& text, std::int32_t& data);
 long AlphaRead(const MRBUnicodeString& text, double& data);
 /// The text itself; but a text that begins with a double quote is a quoted one: see `AlphaQuote`.
 long AlphaRead(const MRBUnicodeString& text, MRBUnicodeString& data);
-/// "(x, y)"; blanks around the two numbers do not count.
-long AlphaRead(const MRBUnicodeString& text, AlphaPoint& data);
 
 void AlphaWrite(bool data, MRBUnicodeString& text);
 void AlphaWrite(std::int32_t data, MRBUnicodeString& text);
@@ -32,7 +28,6 @@ void AlphaWrite(std::int32_t data, MRBUnicodeString& text);
 void AlphaWrite(double data, MRBUnicodeString& text);
 /// The text itself, quoted when it begins with a double quote.
 void AlphaWrite(const MRBUnicodeString& data, MRBUnicodeString& text);
-void AlphaWrite(const AlphaPoint& data, MRBUnicodeString& text);
 
 /// `data` between double quotes; a double quote, a backslash, a newline, a carriage return and a
 /// tab inside are written \", \\, \n, \r and \t.

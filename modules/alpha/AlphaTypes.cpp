@@ -21,9 +21,6 @@ const KVLCodeObjectRegisterer stringType(KVLCodeEnv::GetDefaultTypeRoot(),
                                          KVLSourceLocation(__FILE__, __LINE__, ""));
 const KVLCodeObjectRegisterer voidType(KVLCodeEnv::GetDefaultTypeRoot(), new AlphaVoidType(),
                                        "void", KVLSourceLocation(__FILE__, __LINE__, ""));
-const KVLCodeObjectRegisterer pointType(KVLCodeEnv::GetDefaultTypeRoot(),
-                                        new AlphaScalarType<AlphaPlanePoint>(), "Point",
-                                        KVLSourceLocation(__FILE__, __LINE__, ""));
 const KVLCodeObjectRegisterer listType(KVLCodeEnv::GetDefaultTypeRoot(), new AlphaListType(),
                                        AlphaListTypeName,
                                        KVLSourceLocation(__FILE__, __LINE__, ""));

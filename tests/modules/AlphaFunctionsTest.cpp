@@ -109,7 +109,7 @@ TEST_F(AlphaFunctions, Texts) {
 
 TEST_F(AlphaFunctions, JoinWritesEveryElementAsText) {
   EXPECT_EQ(Result("text/join", {"[1, 2.0, true, \"a, b\", (1,2), [x, 1]]"}),
-            "1, 2, true, a, b, (1, 2), [\"x\",1]");
+            "1, 2, true, a, b, (1,2), [\"x\",1]");
   EXPECT_EQ(Result("text/join", {"[a, b]", ""}), "ab");
   EXPECT_EQ(Result("text/join", {"[]"}), "");
   EXPECT_EQ(Result("text/join", {"NULL"}), "");
@@ -139,25 +139,6 @@ TEST_F(AlphaFunctions, SumConvertsEachElement) {
   EXPECT_EQ(Result("list/sum", {"[1, 2.5, true, \"4\"]"}), "8.5");
   EXPECT_EQ(Result("list/sum", {"[]"}), "0");
   EXPECT_EQ(Thrown("list/sum", {"[1, x]"}), "element 1 is no number");
-}
-
-TEST_F(AlphaFunctions, AMethodWorksOnItsObject) {
-  const KVLSmartPtr<KVLCodeObject> distance =
-      KVLCodeEnv::GetDefaultMembersRoot().FindObject("Point/Distance");
-  ASSERT_TRUE(distance && distance->AsFunction());
-  EXPECT_TRUE(distance->AsFunction()->IsMethod());
-  EXPECT_EQ(Result("_members/Point/Distance", {"(0,0)", "(3,4)"}), "5");
-  EXPECT_EQ(OutputOf("_members/Point/Move", {"(1,2)", "0.5"}, 0), "(1.5, 2)");
-}
-
-TEST_F(AlphaFunctions, ABindingFixesTheObjectOfAMethod) {
-  const KVLSmartPtr<KVLCodeObject> fromOrigin =
-      KVLCodeEnv::GetDefault().FindObject("geom/from_origin");
-  ASSERT_TRUE(fromOrigin && fromOrigin->AsFunction());
-  EXPECT_FALSE(fromOrigin->AsFunction()->IsMethod());
-  EXPECT_EQ(fromOrigin->ToStringCode(), "double Distance(Point other)");
-  EXPECT_EQ(Result("geom/from_origin", {"(5,12)"}), "13");
-  EXPECT_EQ(Result("geom/from_origin", {"(5,12)"}), "13");
 }
 
 TEST_F(AlphaFunctions, ContextAndSessionComeWithoutTheCallersHelp) {
