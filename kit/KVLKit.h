@@ -55,15 +55,18 @@
   KVL_PUBLISH_TYPE(T)
 
 #define KVL_TYPE_TRAITS(T, name, parse, print) KVL_SUBTYPE_TRAITS(T, name, "", parse, print)
-#define KVL_SUBTYPE_TRAITS(T, name, parent, parse, print)                 \
-  template <>                                                             \
-  struct kvl::Traits<T> {                                                 \
-    static constexpr const char* Name = name;                             \
-    static constexpr const char* Parent = parent;                         \
-    static long FromText(const MRBUnicodeString& text, T& data) {         \
-      return ::kvl::detail::AsResult(parse(text, data));                  \
-    }                                                                     \
-    static MRBUnicodeString ToText(const T& data) { return print(data); } \
+#define KVL_SUBTYPE_TRAITS(T, name, parent, parse, print)                                        \
+  template <>                                                                                    \
+  struct kvl::Traits<T> {                                                                        \
+    static constexpr const char* Name = name;                                                    \
+    static constexpr const char* Parent = parent;                                                \
+    static long FromText(const MRBUnicodeString& text, T& data) {                                \
+      static_assert(::kvl::detail::IsResultOfParsing<decltype(parse(text, data))>,               \
+                    "kvl: a function that parses returns bool (true when the text was read) or " \
+                    "long (0, or a failing code)");                                              \
+      return ::kvl::detail::AsResult(parse(text, data));                                         \
+    }                                                                                            \
+    static MRBUnicodeString ToText(const T& data) { return print(data); }                        \
   }
 /// KVL_PUBLISH_TYPE(T): also for the types that the kit knows already.
 #define KVL_PUBLISH_TYPE(T) KVL_KIT_REGISTRATION(::kvl::TypeTag<T>())
@@ -72,7 +75,7 @@
 /// are their names.
 #define KVL_ENUM(T, name, ...)           \
   KVL_ENUM_TRAITS(T, name, __VA_ARGS__); \
-  KVL_KIT_REGISTRATION(::kvl::TypeTag<T>(), ::kvl::Traits<T>::Values.names)
+  KVL_PUBLISH_TYPE(T)
 #define KVL_ENUM_TRAITS(T, name, ...)                                                             \
   template <>                                                                                     \
   struct kvl::Traits<T> {                                                                         \

@@ -89,10 +89,9 @@ Described DescribeGivenConversion(R (*function)(From, To&)) {
   static_assert(IsNever<R>, "kvl: the function of a conversion takes const From&, not From");
   return DescribedBy(CheckedConversion<From, To, R>::Table, function);
 }
-template <class From, class To, class Lambda, std::enable_if_t<std::is_class_v<Lambda>, int> = 0>
+template <class From, class To, class Lambda, std::enable_if_t<!std::is_pointer_v<Lambda>, int> = 0>
 Described DescribeGivenConversion(Lambda lambda) {
-  using Pointer = typename FunctionPointerOf<decltype(&Lambda::operator())>::Type;
-  return DescribeGivenConversion<From, To>(static_cast<Pointer>(lambda));
+  return DescribeGivenConversion<From, To>(FunctionOf(lambda));
 }
 
 // To and from text by the types' own forms, else as C++ converts.

@@ -533,13 +533,39 @@ struct FunctionPointerOf<R (C::*)(P...) noexcept> {
   using Type = R (*)(P...);
 };
 
-template <class Lambda, std::enable_if_t<std::is_class_v<Lambda>, int> = 0>
+template <class Lambda, class = void>
+inline constexpr bool HasOneSignature = false;
+template <class Lambda>
+inline constexpr bool HasOneSignature<Lambda, std::void_t<decltype(&Lambda::operator())>> = true;
+
+// The function that a lambda without captures is.
+template <class Lambda>
+auto FunctionOf(Lambda lambda) {
+  static_assert(std::is_class_v<Lambda>, "kvl: Publish a function, a method or a lambda.");
+  if constexpr (std::is_class_v<Lambda>) {
+    static_assert(HasOneSignature<Lambda>,
+                  "kvl: a lambda with auto parameters has no signature of its own: write the types "
+                  "of its parameters.");
+    if constexpr (HasOneSignature<Lambda>) {
+      using Pointer = typename FunctionPointerOf<decltype(&Lambda::operator())>::Type;
+      static_assert(std::is_convertible_v<Lambda, Pointer>,
+                    "kvl: a lambda that captures cannot be published: it has no function to point "
+                    "to. Publish one without captures.");
+      return static_cast<Pointer>(lambda);
+    } else {
+      return static_cast<void (*)()>(nullptr);
+    }
+  } else {
+    return static_cast<void (*)()>(nullptr);
+  }
+}
+
+// A pointer that cannot throw is left to the forms above, which take it as one that may.
+template <
+    class Lambda,
+    std::enable_if_t<!std::is_pointer_v<Lambda> && !std::is_member_pointer_v<Lambda>, int> = 0>
 Described Describe(Lambda lambda) {
-  using Pointer = typename FunctionPointerOf<decltype(&Lambda::operator())>::Type;
-  static_assert(std::is_convertible_v<Lambda, Pointer>,
-                "kvl: a lambda that captures cannot be published: it has no function to point to. "
-                "Publish one without captures.");
-  return Describe(static_cast<Pointer>(lambda));
+  return Describe(FunctionOf(lambda));
 }
 
 }  // namespace detail

@@ -54,12 +54,21 @@ inline MRBUnicodeString DocPathOf(const MRBUnicodeString& path) {
   return "doc/" + path.SubString(first, path.GetLengthInByte());
 }
 
+// The names of an enumeration's values, null for any other type.
+template <class T, class = void>
+inline constexpr const char* EnumNames = nullptr;
 template <class T>
-KVLSmartPtr<KVLCodeObject> MakeType(const char* enumValues) {
+inline constexpr const char* EnumNames<T, std::void_t<decltype(Traits<T>::Values)>> =
+    Traits<T>::Values.names;
+
+template <class T>
+KVLSmartPtr<KVLCodeObject> MakeType() {
   if constexpr (TableOf<T>.kind == TypeTable::List) {
     return KVLSmartPtr<KVLCodeObject>(new ListType(TableOf<T>));
+  } else if constexpr (TableOf<T>.kind == TypeTable::Data) {
+    return KVLSmartPtr<KVLCodeObject>(new Type(TableOf<T>, EnumNames<T>));
   } else {
-    return KVLSmartPtr<KVLCodeObject>(new Type(TableOf<T>, enumValues));
+    return KVLSmartPtr<KVLCodeObject>(new Type(TableOf<T>));
   }
 }
 
@@ -110,10 +119,8 @@ class Registration {
   }
   /// A type.
   template <class T>
-  Registration(Here here, TypeTag<T>, const char* enumValues = nullptr) noexcept {
-    Try([&] {
-      Publish(here, "_types/" + NameOf(TableOf<T>), detail::MakeType<T>(enumValues), nullptr);
-    });
+  Registration(Here here, TypeTag<T>) noexcept {
+    Try([&] { Publish(here, "_types/" + NameOf(TableOf<T>), detail::MakeType<T>(), nullptr); });
   }
   /// A conversion.
   template <class From, class To>

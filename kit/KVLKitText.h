@@ -178,9 +178,13 @@ inline long ParseItems(const MRBUnicodeString& text, char open, char close,
 namespace detail {
 
 template <class Result>
+inline constexpr bool IsResultOfParsing =
+    std::is_same_v<Result, bool> || std::is_same_v<Result, long>;
+
+template <class Result>
 long AsResult(Result result) {
-  static_assert(std::is_same_v<Result, bool> || std::is_same_v<Result, long>,
-                "kvl: a function that parses returns bool (true when the text was read) or long "
+  static_assert(IsResultOfParsing<Result>,
+                "kvl: a function that parses or converts returns bool (true when it did) or long "
                 "(0, or a failing code)");
   if constexpr (std::is_same_v<Result, bool>) {
     return result ? KVLResult_Success : KVLResult_InvalidArgument;

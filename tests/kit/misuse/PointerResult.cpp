@@ -1,0 +1,3 @@
+// a function cannot return a pointer
+#include "KVLKit.h"
+KVL_FUNCTION("f", "", "", [] { return "text"; });

@@ -1,0 +1,3 @@
+// a parameter cannot be T&&
+#include "KVLKit.h"
+KVL_FUNCTION("f", "number", "", [](int&& number) { return number; });
