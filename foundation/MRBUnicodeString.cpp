@@ -9,7 +9,6 @@
 #include <new>
 #include <ostream>
 #include <string_view>
-#include <utility>
 
 // Invariants: `length` <= `capacity` or the text is in `local`, where up to LocalCapacity bytes fit
 // whatever `capacity` (at most LocalCapacity then) says; the byte behind the text is NUL; `heap`
@@ -34,6 +33,11 @@ void CopyBytes(char* to, const char* from, std::size_t count) {
   if (count > 0) std::memmove(to, from, count);
 }
 
+// The place next to `place` in a text of that length.
+int Limited(std::int64_t place, int length) {
+  return place < 0 ? 0 : place < length ? static_cast<int>(place) : length;
+}
+
 bool IsSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -47,6 +51,22 @@ std::uint64_t Load64(const char* bytes) {
 std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
   hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
   return hash ^ (hash >> 32);
+}
+
+// Whether the first of two numbers that lie side by side is the lower half of the two together.
+constexpr bool FirstIsLow = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
+// From 16 - n on, bits that keep the first n bytes of 16.
+constexpr unsigned char Kept[32] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff,
+                                    0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0xff};
+
+// The two numbers at the beginning of a text. In one write: a processor that soon after reads both
+// together would have to wait for two.
+void WriteSizes(void* text, int length, int capacity) {
+  const std::uint64_t first = static_cast<std::uint32_t>(FirstIsLow ? length : capacity);
+  const std::uint64_t second = static_cast<std::uint32_t>(FirstIsLow ? capacity : length);
+  const std::uint64_t both = second << 32 | first;
+  std::memcpy(text, &both, sizeof both);
 }
 
 template <class T>
@@ -74,45 +94,34 @@ MRBUnicodeString::MRBUnicodeString(const char* text, int count) {
   InitFrom(text, text && count > 0 ? static_cast<std::size_t>(count) : 0);
 }
 
-MRBUnicodeString::MRBUnicodeString(const MRBUnicodeString& other) {
-  InitFrom(other.ConvertToChar(), static_cast<std::size_t>(other.length));
-}
-
-MRBUnicodeString::MRBUnicodeString(MRBUnicodeString&& other) noexcept : MRBUnicodeString() {
-  Swap(other);
-}
-
-MRBUnicodeString::~MRBUnicodeString() {
-  if (!IsLocal()) std::free(heap);
-}
-
-MRBUnicodeString& MRBUnicodeString::operator=(const MRBUnicodeString& other) {
-  if (this != &other) AssignFrom(other.ConvertToChar(), static_cast<std::size_t>(other.length));
-  return *this;
-}
-
-MRBUnicodeString& MRBUnicodeString::operator=(MRBUnicodeString&& other) noexcept {
-  if (this != &other) MRBUnicodeString(std::move(other)).Swap(*this);
-  return *this;
+void MRBUnicodeString::AssignSubString(const MRBUnicodeString& source, int start, int count) {
+  // Where as many bytes as fit inside lie behind `start`, all of them come, and go as far as they
+  // are not wanted.
+  const bool fits = count >= 0 && count <= LocalCapacity && IsLocal();
+  if (fits && start >= 0 && start <= source.length - LocalCapacity) {
+    std::uint64_t bytes[2];
+    std::uint64_t kept[2];
+    static_assert(sizeof bytes == sizeof local && sizeof Kept == 2 * sizeof local);
+    std::memcpy(bytes, source.ConvertToChar() + start, sizeof bytes);
+    std::memcpy(kept, Kept + sizeof local - count, sizeof kept);
+    bytes[0] &= kept[0];
+    bytes[1] &= kept[1];
+    std::memcpy(local, bytes, sizeof local);
+    WriteSizes(this, count, 0);
+    return;
+  }
+  const int first = Limited(start, source.length);
+  const int last = Limited(std::int64_t{start} + count, source.length);
+  if (first < last) {
+    AssignFrom(source.ConvertToChar() + first, static_cast<std::size_t>(last - first));
+  } else {
+    AssignFrom(nullptr, 0);
+  }
 }
 
 MRBUnicodeString& MRBUnicodeString::operator=(const char* text) {
   AssignFrom(text, LengthOf(text));
   return *this;
-}
-
-void MRBUnicodeString::Swap(MRBUnicodeString& other) noexcept {
-  char bytes[sizeof(MRBUnicodeString)];
-  void* const left = this;
-  void* const right = &other;
-  std::memcpy(bytes, left, sizeof bytes);
-  std::memmove(left, right, sizeof bytes);
-  std::memcpy(right, bytes, sizeof bytes);
-}
-
-bool MRBUnicodeString::operator==(const MRBUnicodeString& other) const {
-  return length == other.length &&
-         std::memcmp(ConvertToChar(), other.ConvertToChar(), static_cast<std::size_t>(length)) == 0;
 }
 
 bool MRBUnicodeString::operator==(const char* text) const {
@@ -146,7 +155,7 @@ MRBUnicodeString& MRBUnicodeString::Append(const MRBUnicodeString& other) {
 }
 
 MRBUnicodeString& MRBUnicodeString::Insert(int position, const MRBUnicodeString& other) {
-  const int place = position < 0 ? 0 : (position > length ? length : position);
+  const int place = Limited(position, length);
   if (this == &other) {
     const MRBUnicodeString copy(other);
     return Insert(place, copy);
@@ -156,9 +165,8 @@ MRBUnicodeString& MRBUnicodeString::Insert(int position, const MRBUnicodeString&
 }
 
 MRBUnicodeString& MRBUnicodeString::Remove(int position, int count) {
-  const std::int64_t end = static_cast<std::int64_t>(position) + count;
-  const int first = position < 0 ? 0 : position;
-  const int last = end < length ? static_cast<int>(end) : length;
+  const int first = Limited(position, length);
+  const int last = Limited(std::int64_t{position} + count, length);
   if (first >= last) return *this;
   char* const text = Data();
   CopyBytes(text + first, text + last, static_cast<std::size_t>(length - last) + 1);
@@ -167,11 +175,9 @@ MRBUnicodeString& MRBUnicodeString::Remove(int position, int count) {
 }
 
 MRBUnicodeString MRBUnicodeString::SubString(int start, int count) const {
-  const std::int64_t end = static_cast<std::int64_t>(start) + count;
-  const int first = start < 0 ? 0 : start;
-  const int last = end < length ? static_cast<int>(end) : length;
-  if (first >= last) return MRBUnicodeString();
-  return MRBUnicodeString(ConvertToChar() + first, last - first);
+  MRBUnicodeString slice;
+  slice.AssignSubString(*this, start, count);
+  return slice;
 }
 
 int MRBUnicodeString::SearchSubString(const MRBUnicodeString& sub, int from,
@@ -237,16 +243,14 @@ unsigned int MRBUnicodeString::ComputeHashKey(const char* text, int count) noexc
 
 void MRBUnicodeString::InitFrom(const char* text, std::size_t count) {
   char* place = local;
-  length = 0;
-  capacity = 0;
-  if (count > LocalCapacity) {
+  const bool isLong = count > LocalCapacity;
+  if (isLong) {
     place = Allocate(count);
     heap = place;
-    capacity = static_cast<int>(count);
   }
   CopyBytes(place, text, count);
   place[count] = '\0';
-  length = static_cast<int>(count);
+  WriteSizes(this, static_cast<int>(count), isLong ? static_cast<int>(count) : 0);
 }
 
 // `text` may lie inside this text.

@@ -15,7 +15,8 @@
 /// Growth takes max(needed, 2 x capacity) places: 1, 2, 4, 8, 16, ... under repeated appends.
 /// `Erase` moves the later elements down bit by bit, hence an element must survive that: strings,
 /// counted pointers, plain pointers and records of these do; a class that points into itself does
-/// not.
+/// not. Growth moves numbers, pointers and plain records so too, and elements of a class that has a
+/// member type `MovesBitByBit`; other elements move or copy themselves.
 ///
 /// Growth, `Reserve`, `Resize`, `Append` and `Erase` invalidate pointers and references to
 /// elements. Indexes are not checked. A failed raw allocation is not checked either: the places
@@ -31,8 +32,13 @@ class KVLVector {
   /// Allocates exactly as many places as `other` has elements, none for an empty one.
   KVLVector(const KVLVector& other) : KVLVector() {
     Allocate(other.count);
-    for (const T& element : other)
-      Place(element);
+    if constexpr (std::is_trivially_copyable_v<T>) {
+      count = other.count;
+      if (count > 0) std::memcpy(data, other.data, BytesFor(count));
+    } else {
+      for (const T& element : other)
+        Place(element);
+    }
   }
   /// Takes over the storage of `other`, which is left empty.
   KVLVector(KVLVector&& other) noexcept : KVLVector() { Swap(other); }
@@ -87,6 +93,12 @@ class KVLVector {
   /// `places` is below the count or is the capacity already.
   void Reserve(int places) {
     if (places < count || places == capacity) return;
+    if constexpr (MovesBitByBit()) {
+      if (BytesFor(capacity) >= LargeStorage() && places > 0) {
+        Reallocate(places);
+        return;
+      }
+    }
     KVLVector fresh;
     fresh.Allocate(places);
     fresh.TakeElementsOf(*this);
@@ -100,6 +112,12 @@ class KVLVector {
       DestroyDownTo(newCount < 0 ? 0 : newCount);
       return;
     }
+    if constexpr (IsZeroByDefault()) {
+      if (!data) {
+        AllocateZeroes(newCount);
+        return;
+      }
+    }
     if (newCount > capacity) Reserve(GrownCapacity(newCount));
     while (count < newCount)
       Place();
@@ -112,11 +130,30 @@ class KVLVector {
     T* const place = data + index;
     place->~T();
     std::memmove(static_cast<void*>(place), static_cast<const void*>(place + 1),
-                 static_cast<std::size_t>(count - index - 1) * sizeof(T));
+                 BytesFor(count - index - 1));
     --count;
   }
 
  private:
+  template <class U>
+  static std::true_type SaysThatItMovesBitByBit(typename U::MovesBitByBit* type);
+  template <class U>
+  static std::false_type SaysThatItMovesBitByBit(...);
+
+  static constexpr bool MovesBitByBit() {
+    return std::is_trivially_copyable_v<T> || decltype(SaysThatItMovesBitByBit<T>(nullptr))::value;
+  }
+
+  static constexpr bool IsZeroByDefault() {
+    return std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>;
+  }
+
+  // From these bytes on the heap is asked to let a storage grow where it is, or to move its pages;
+  // a smaller block is quicker exchanged for another.
+  static constexpr std::size_t LargeStorage() { return 4096; }
+
+  static std::size_t BytesFor(int places) { return static_cast<std::size_t>(places) * sizeof(T); }
+
   int GrownCapacity(int needed) const {
     const int doubled = capacity > INT_MAX / 2 ? INT_MAX : 2 * capacity;
     return needed > doubled ? needed : doubled;
@@ -125,7 +162,23 @@ class KVLVector {
   // For a vector without storage.
   void Allocate(int places) {
     if (places < 1) return;
-    data = static_cast<T*>(std::malloc(static_cast<std::size_t>(places) * sizeof(T)));
+    data = static_cast<T*>(std::malloc(BytesFor(places)));
+    capacity = places;
+  }
+
+  // The same, with an element of zero bits in each place: a large storage comes so from the system,
+  // and what is never looked at costs nothing.
+  void AllocateZeroes(int places) {
+    data = static_cast<T*>(std::calloc(static_cast<std::size_t>(places), sizeof(T)));
+    capacity = places;
+    count = places;
+  }
+
+  // For a vector with storage whose elements may be moved bit by bit.
+  void Reallocate(int places) {
+    void* const block = std::realloc(static_cast<void*>(data), BytesFor(places));
+    if (!block) std::free(data);
+    data = static_cast<T*>(block);
     capacity = places;
   }
 
@@ -137,10 +190,18 @@ class KVLVector {
   }
 
   // Moves the elements where that cannot throw, else copies them; either way `source` is left to
-  // destroy its own.
+  // destroy what it has then.
   void TakeElementsOf(KVLVector& source) {
-    for (T& element : source)
-      Place(std::move_if_noexcept(element));
+    if constexpr (MovesBitByBit()) {
+      if (source.count <= 0) return;
+      std::memcpy(static_cast<void*>(data), static_cast<const void*>(source.data),
+                  BytesFor(source.count));
+      count = source.count;
+      source.count = 0;
+    } else {
+      for (T& element : source)
+        Place(std::move_if_noexcept(element));
+    }
   }
 
   template <class Source>

@@ -2,6 +2,8 @@
 #define MRB_UNICODE_STRING_H
 
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <iosfwd>
 
 #include "KVLExport.h"
@@ -49,22 +51,31 @@ class KVL_EXPORT MRBUnicodeString {
   MRBUnicodeString(const char* text);
   /// Copies `count` bytes from `text`, NUL bytes included; empty when `count` is below 1.
   MRBUnicodeString(const char* text, int count);
-  MRBUnicodeString(const MRBUnicodeString& other);
+  inline MRBUnicodeString(const MRBUnicodeString& other);
   /// Takes over the text of `other`, which is left empty.
-  MRBUnicodeString(MRBUnicodeString&& other) noexcept;
-  ~MRBUnicodeString();
+  MRBUnicodeString(MRBUnicodeString&& other) noexcept { TakeBitsOf(other); }
+  ~MRBUnicodeString() {
+    if (!IsLocal()) std::free(heap);
+  }
 
-  MRBUnicodeString& operator=(const MRBUnicodeString& other);
+  inline MRBUnicodeString& operator=(const MRBUnicodeString& other);
   /// Takes over the text of `other`, which is left empty (a text moved into itself stays).
-  MRBUnicodeString& operator=(MRBUnicodeString&& other) noexcept;
+  inline MRBUnicodeString& operator=(MRBUnicodeString&& other) noexcept;
   /// `text` may point into this very text.
   MRBUnicodeString& operator=(const char* text);
 
+  /// Replaces the text by `source.SubString(start, count)`, without an allocation where the room
+  /// that this text has suffices. `source` may be this very text.
+  void AssignSubString(const MRBUnicodeString& source, int start, int count);
+
   /// Exchanges the two texts in constant time.
-  void Swap(MRBUnicodeString& other) noexcept;
+  inline void Swap(MRBUnicodeString& other) noexcept;
 
   /// Exact comparison, byte by byte.
-  bool operator==(const MRBUnicodeString& other) const;
+  bool operator==(const MRBUnicodeString& other) const {
+    return length == other.length && std::memcmp(ConvertToChar(), other.ConvertToChar(),
+                                                 static_cast<std::size_t>(length)) == 0;
+  }
   bool operator==(const char* text) const;
   bool operator!=(const MRBUnicodeString& other) const { return !(*this == other); }
   bool operator!=(const char* text) const { return !(*this == text); }
@@ -130,11 +141,17 @@ class KVL_EXPORT MRBUnicodeString {
   unsigned int ComputeHashKey() const { return ComputeHashKey(ConvertToChar(), length); }
   static unsigned int ComputeHashKey(const char* text, int count) noexcept;
 
+  /// For `KVLVector`.
+  using MovesBitByBit = void;
+
  private:
   static constexpr int LocalCapacity = 15;
 
   bool IsLocal() const noexcept { return capacity <= LocalCapacity; }
   char* Data() noexcept { return IsLocal() ? local : heap; }
+  // The former text must need no destruction.
+  inline void CopyBitsOf(const MRBUnicodeString& other) noexcept;
+  inline void TakeBitsOf(MRBUnicodeString& other) noexcept;
   void InitFrom(const char* text, std::size_t count);
   void AssignFrom(const char* text, std::size_t count);
   void InsertFrom(int position, const char* text, std::size_t count);
@@ -146,6 +163,50 @@ class KVL_EXPORT MRBUnicodeString {
     char local[LocalCapacity + 1];
   };
 };
+
+// In the two parts in which a text is written: a processor that copies what it wrote just now waits
+// where its reads straddle its writes.
+inline void MRBUnicodeString::CopyBitsOf(const MRBUnicodeString& other) noexcept {
+  std::memcpy(static_cast<void*>(this), &other, sizeof(int) * 2);
+  std::memcpy(local, other.local, sizeof local);
+}
+
+inline void MRBUnicodeString::TakeBitsOf(MRBUnicodeString& other) noexcept {
+  CopyBitsOf(other);
+  other.length = 0;
+  other.capacity = 0;
+  other.local[0] = '\0';
+}
+
+inline MRBUnicodeString::MRBUnicodeString(const MRBUnicodeString& other) {
+  if (other.IsLocal()) {
+    CopyBitsOf(other);
+  } else {
+    InitFrom(other.heap, static_cast<std::size_t>(other.length));
+  }
+}
+
+inline MRBUnicodeString& MRBUnicodeString::operator=(const MRBUnicodeString& other) {
+  if (this != &other) AssignFrom(other.ConvertToChar(), static_cast<std::size_t>(other.length));
+  return *this;
+}
+
+inline MRBUnicodeString& MRBUnicodeString::operator=(MRBUnicodeString&& other) noexcept {
+  if (this != &other) {
+    if (!IsLocal()) std::free(heap);
+    TakeBitsOf(other);
+  }
+  return *this;
+}
+
+inline void MRBUnicodeString::Swap(MRBUnicodeString& other) noexcept {
+  char bytes[sizeof(MRBUnicodeString)];
+  char otherBytes[sizeof(MRBUnicodeString)];
+  std::memcpy(bytes, static_cast<void*>(this), sizeof bytes);
+  std::memcpy(otherBytes, static_cast<void*>(&other), sizeof bytes);
+  std::memcpy(static_cast<void*>(this), otherBytes, sizeof bytes);
+  std::memcpy(static_cast<void*>(&other), bytes, sizeof bytes);
+}
 
 KVL_EXPORT MRBUnicodeString operator+(const char* text, const MRBUnicodeString& string);
 

@@ -68,6 +68,7 @@ TEST(MRBUnicodeString, RemovesWhatLiesInsideTheText) {
                         {INT_MIN, 1, "abcde"},
                         {INT_MIN, INT_MAX, "abcde"},
                         {INT_MIN, INT_MIN, "abcde"},
+                        {-2, INT_MIN, "abcde"},
                         {2, INT_MIN, "abcde"}};
   for (const Case& one : cases) {
     String text("abcde");
@@ -99,6 +100,7 @@ TEST(MRBUnicodeString, SubStringGivesThePartInsideTheText) {
                         {INT_MAX, INT_MAX, ""},
                         {INT_MIN, INT_MAX, ""},
                         {INT_MIN, INT_MIN, ""},
+                        {-2, INT_MIN, ""},
                         {0, INT_MIN, ""}};
   const String text("abc");
   for (const Case& one : cases)

@@ -168,6 +168,39 @@ TEST(MRBUnicodeString, IsAssignedAPartOfItself) {
   }
 }
 
+TEST(MRBUnicodeString, IsAssignedASliceOfAnyText) {
+  for (const char* const former : {"", Short, Fifteen, Sixteen, Long}) {
+    for (const char* const source : {"", Short, Fifteen, Sixteen, Long}) {
+      const String whole(source);
+      for (int start = -2; start <= whole.GetLengthInChar() + 2; ++start) {
+        for (const int count : {INT_MIN, -1, 0, 1, 2, 14, 15, 16, 17, 40, INT_MAX}) {
+          String text(former);
+          text.AssignSubString(whole, start, count);
+          EXPECT_EQ(text, whole.SubString(start, count)) << source << start << ' ' << count;
+          EXPECT_EQ(text.ConvertToChar()[text.GetLengthInChar()], '\0');
+          String itself(source);
+          itself.AssignSubString(itself, start, count);
+          EXPECT_EQ(itself, text) << source << start << ' ' << count;
+        }
+      }
+    }
+  }
+}
+
+TEST(MRBUnicodeString, ASliceThatFitsIsAssignedWithoutAnAllocation) {
+  if (!AllocationCounter::IsAvailable()) GTEST_SKIP();
+  const String source(Long);
+  String text;
+  const AllocationCounter counter;
+  for (int start = 0; start < source.GetLengthInChar(); ++start)
+    text.AssignSubString(source, start, 15);
+  EXPECT_EQ(counter.GetCount(), 0);
+  text = source;
+  for (int count = source.GetLengthInChar(); count > 0; --count)
+    text.AssignSubString(source, 0, count);
+  EXPECT_EQ(counter.GetCount(), 1);
+}
+
 TEST(MRBUnicodeString, MovingLeavesTheSourceEmpty) {
   for (const char* const source : {"", Short, Fifteen, Sixteen, Long}) {
     String first(source);

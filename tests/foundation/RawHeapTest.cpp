@@ -17,6 +17,11 @@ struct Heap {
   std::size_t lastRequest;  // bytes
   long liveBlocks;
   int untilRefusal;  // the requests to go until the one that is refused; 0 when none is to be
+
+  bool Refuses(std::size_t size) {
+    lastRequest = size;
+    return untilRefusal > 0 && --untilRefusal == 0;
+  }
 };
 Heap heap;
 
@@ -25,14 +30,29 @@ Heap heap;
 extern "C" {
 
 void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
 void __libc_free(void* block);
 
 void* malloc(std::size_t size) noexcept {
-  heap.lastRequest = size;
-  if (heap.untilRefusal > 0 && --heap.untilRefusal == 0) return nullptr;
+  if (heap.Refuses(size)) return nullptr;
   void* const block = __libc_malloc(size);
   if (block) ++heap.liveBlocks;
   return block;
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+  if (heap.Refuses(count * size)) return nullptr;
+  void* const block = __libc_calloc(count, size);
+  if (block) ++heap.liveBlocks;
+  return block;
+}
+
+void* realloc(void* block, std::size_t size) noexcept {
+  if (heap.Refuses(size)) return nullptr;
+  void* const moved = __libc_realloc(block, size);
+  if (moved && !block) ++heap.liveBlocks;
+  return moved;
 }
 
 void free(void* block) noexcept {
@@ -90,6 +110,49 @@ TEST(KVLVectorOnTheRawHeap, ARefusedAllocationLeavesThePlacesPointerNull) {
   EXPECT_EQ(vector.GetData(), nullptr);
   EXPECT_EQ(vector.GetCapacity(), 5);
   EXPECT_EQ(vector.GetCount(), 0);
+}
+
+TEST(KVLVectorOnTheRawHeap, AStorageOfAnySizeGrowsAndShrinksToExactlyThePlacesAskedFor) {
+  const long before = heap.liveBlocks;
+  {
+    KVLVector<String> texts;
+    for (int i = 0; i < 3000; ++i) {
+      const int capacity = texts.GetCapacity();
+      texts.Append("a text too long for the inside of the object");
+      if (texts.GetCapacity() != capacity) continue;
+      EXPECT_EQ(heap.lastRequest, texts[0].GetLengthInByte() + std::size_t{1});
+    }
+    EXPECT_EQ(texts.GetCapacity(), 4096);
+    for (const int places : {3001, 20000, 3000}) {
+      texts.Reserve(places);
+      EXPECT_EQ(heap.lastRequest, static_cast<std::size_t>(places) * sizeof(String));
+      EXPECT_EQ(texts.GetCapacity(), places);
+    }
+    EXPECT_EQ(heap.liveBlocks, before + 3001);
+    for (const String& text : texts)
+      ASSERT_EQ(text, "a text too long for the inside of the object");
+  }
+  EXPECT_EQ(heap.liveBlocks, before);
+}
+
+TEST(KVLVectorOnTheRawHeap, ResizedFromNothingTakesExactlyThePlaces) {
+  KVLVector<int> numbers;
+  numbers.Resize(1000);
+  EXPECT_EQ(heap.lastRequest, 1000 * sizeof(int));
+  EXPECT_EQ(numbers.GetCapacity(), 1000);
+  for (const int number : numbers)
+    ASSERT_EQ(number, 0);
+}
+
+TEST(KVLVectorOnTheRawHeap, ALargeStorageThatMayNotGrowIsGivenBack) {
+  const long before = heap.liveBlocks;
+  KVLVector<int> vector;
+  vector.Resize(5000);
+  heap.untilRefusal = 1;
+  vector.Reserve(6000);
+  EXPECT_EQ(heap.untilRefusal, 0);
+  EXPECT_EQ(vector.GetData(), nullptr);
+  EXPECT_EQ(heap.liveBlocks, before);
 }
 
 // Refuses the first request of `operation`, then the second, until it completes.
