@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "KVLVector.h"
+#include "KVLDepthScanner.h"
 
 namespace {
 
@@ -17,8 +17,7 @@ class KVLSplitIterImpl final : public KVLIterCursor<MRBUnicodeString> {
     if (position >= length) return KVLResult_False;
     int found = text.SearchSubString(separator, position, MRBUnicodeString::MRBSearchForward);
     if (found < 0) found = length;
-    MRBUnicodeString slice = text.SubString(position, found - position);
-    piece.Swap(slice);
+    piece.AssignSubString(text, position, found - position);
     position = found + separator.GetLengthInChar();
     return KVLResult_Success;
   }
@@ -34,63 +33,26 @@ class KVLSplitWithDepthIterImpl final : public KVLIterCursor<MRBUnicodeString> {
  public:
   KVLSplitWithDepthIterImpl(KVLStringOperations::DepthChars depthChars, const MRBUnicodeString& s,
                             char sep)
-      : depth(depthChars), text(s), separator(sep), position(0) {}
+      : depth(depthChars),
+        text(s),
+        separator(sep),
+        position(0),
+        scanner(text.ConvertToChar(), text.GetLengthInChar(), separator, depth) {}
 
   long Next(MRBUnicodeString& piece) override {
     if (position >= text.GetLengthInChar()) return KVLResult_False;
-    const int start = position;
-    position = FindSeparator();
-    MRBUnicodeString slice = text.SubString(start, position - start);
-    piece.Swap(slice);
-    if (position < text.GetLengthInChar()) ++position;
+    const int found = scanner.FindNext();
+    piece.AssignSubString(text, position, found - position);
+    position = found + 1;
     return KVLResult_Success;
   }
 
  private:
-  bool Has(KVLStringOperations::DepthChars flag) const { return (depth & flag) != 0; }
-
-  // The closer of `c` where it is an opener that counts, else NUL.
-  char CloserOf(char c) const {
-    if (c == '(' && Has(KVLStringOperations::DepthParentheses)) return ')';
-    if (c == '[' && Has(KVLStringOperations::DepthBrackets)) return ']';
-    if (c == '{' && Has(KVLStringOperations::DepthBraces)) return '}';
-    return '\0';
-  }
-
-  int FindSeparator() const {
-    const int length = text.GetLengthInChar();
-    const char* const characters = text.ConvertToChar();
-    KVLVector<char> closers;  // the deepest level's comes last
-    bool inQuotes = false;
-    bool escaped = false;
-    for (int i = position; i < length; ++i) {
-      const char c = characters[i];
-      if (inQuotes) {
-        if (escaped) {
-          escaped = false;
-        } else if (c == '"') {
-          inQuotes = false;
-        } else if (c == '\\') {
-          escaped = true;
-        }
-        continue;
-      }
-      if (closers.IsEmpty() && c == separator) return i;
-      if (c == '"') {
-        inQuotes = Has(KVLStringOperations::DepthQuotes);
-      } else if (const char closer = CloserOf(c)) {
-        closers.Append(closer);
-      } else if (!closers.IsEmpty() && c == closers[closers.GetCount() - 1]) {
-        closers.Erase(closers.GetCount() - 1);
-      }
-    }
-    return length;
-  }
-
   const KVLStringOperations::DepthChars depth;
   const MRBUnicodeString text;
   const char separator;
   int position;
+  KVLDepthScanner scanner;
 };
 
 template <class T>
