@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 
+#include "KVLShellComplete.h"
 #include "KVLShellOutput.h"
 #include "KVLShellResult.h"
 #include "KVLShellSession.h"
@@ -53,6 +54,23 @@ extern "C" long KVLCodeShellRunTo(const MRBUnicodeString& text, unsigned int fla
 
 extern "C" long KVLCodeShellStaticRun(const MRBUnicodeString& text) {
   return KVLCodeShellRunTo(text, 0, WriteToStandardStreams, nullptr);
+}
+
+extern "C" long KVLCodeShellComplete(const MRBUnicodeString& text, int* replaceFrom,
+                                     KVLShellSink sink, void* receiver) {
+  *replaceFrom = text.GetLengthInByte();
+  try {
+    const KVLShellCompletion completion = KVLShellComplete(text, KVLShellGetSession());
+    *replaceFrom = completion.replaceFrom;
+    MRBUnicodeString lines;
+    for (const MRBUnicodeString& word : completion.words)
+      lines += word + "\n";
+    KVLShellOutput(sink, receiver, 0).WriteText(KVLShellChannel_Output, lines);
+    return KVLResult_Success;
+  } catch (...) {
+    // A completion that cannot be had is none.
+    return KVLResult_Success;
+  }
 }
 
 extern "C" void KVLCodeShellInterrupt() {

@@ -10,9 +10,13 @@ namespace {
 
 // Sorted by name.
 constexpr const KVLShellCommand* Commands[] = {
-    &KVLShellCallCommand,  &KVLShellCheckCommand, &KVLShellConvertCommand, &KVLShellHelpCommand,
-    &KVLShellInfoCommand,  &KVLShellLsCommand,    &KVLShellQuitCommand,    &KVLShellTimeCommand,
-    &KVLShellUnsetCommand, &KVLShellVarsCommand};
+    &KVLShellBindCommand,     &KVLShellCallCommand,    &KVLShellCheckCommand,
+    &KVLShellCompleteCommand, &KVLShellConvertCommand, &KVLShellFindCommand,
+    &KVLShellHelpCommand,     &KVLShellHistoryCommand, &KVLShellInfoCommand,
+    &KVLShellLoadCommand,     &KVLShellLsCommand,      &KVLShellModulesCommand,
+    &KVLShellQuitCommand,     &KVLShellSourceCommand,  &KVLShellTimeCommand,
+    &KVLShellUnloadCommand,   &KVLShellUnsetCommand,   &KVLShellUnuseCommand,
+    &KVLShellUseCommand,      &KVLShellVarsCommand};
 
 MRBUnicodeString Count(int words) {
   return KVLStringOperations::FromNum(words) + (words == 1 ? " word" : " words");
@@ -36,7 +40,7 @@ KVLVector<MRBUnicodeString> OptionNames(const KVLShellCommand& command) {
 
 const char* const KVLShellJsonOption = "--json";
 
-const KVLShellCommand* KVLShellFindCommand(const MRBUnicodeString& commandName) {
+const KVLShellCommand* KVLShellLookUpCommand(const MRBUnicodeString& commandName) {
   for (const KVLShellCommand* const command : Commands)
     if (commandName == command->name) return command;
   return nullptr;

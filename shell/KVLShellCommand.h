@@ -57,7 +57,7 @@ struct KVLShellCommand {
 };
 
 /// The command of that name, or null. Borrowed, for ever.
-const KVLShellCommand* KVLShellFindCommand(const MRBUnicodeString& commandName);
+const KVLShellCommand* KVLShellLookUpCommand(const MRBUnicodeString& commandName);
 
 /// All commands, sorted by name, and their number. Borrowed, for ever.
 const KVLShellCommand* const* KVLShellCommands(int* count);
@@ -101,15 +101,30 @@ extern const char* const KVLShellJsonOption;
 /// True when a word is meant as an option: it begins with "-", is not quoted and no number.
 bool KVLShellIsOption(const KVLShellWord& word);
 
+/// The topics that `help` tells about besides the commands.
+KVLVector<MRBUnicodeString> KVLShellTopicNames();
+/// The modules that come with the kernel, without "KVLCodeEnv_".
+KVLVector<MRBUnicodeString> KVLShellModuleNames();
+
+extern const KVLShellCommand KVLShellBindCommand;
 extern const KVLShellCommand KVLShellCallCommand;
 extern const KVLShellCommand KVLShellCheckCommand;
+extern const KVLShellCommand KVLShellCompleteCommand;
 extern const KVLShellCommand KVLShellConvertCommand;
+extern const KVLShellCommand KVLShellFindCommand;
 extern const KVLShellCommand KVLShellHelpCommand;
+extern const KVLShellCommand KVLShellHistoryCommand;
 extern const KVLShellCommand KVLShellInfoCommand;
+extern const KVLShellCommand KVLShellLoadCommand;
 extern const KVLShellCommand KVLShellLsCommand;
+extern const KVLShellCommand KVLShellModulesCommand;
 extern const KVLShellCommand KVLShellQuitCommand;
+extern const KVLShellCommand KVLShellSourceCommand;
 extern const KVLShellCommand KVLShellTimeCommand;
+extern const KVLShellCommand KVLShellUnloadCommand;
 extern const KVLShellCommand KVLShellUnsetCommand;
+extern const KVLShellCommand KVLShellUnuseCommand;
+extern const KVLShellCommand KVLShellUseCommand;
 extern const KVLShellCommand KVLShellVarsCommand;
 
 #endif

@@ -74,7 +74,7 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork&, KVLShellA
     return KVLShellOutcome();
   }
   const MRBUnicodeString& name = arguments[0].text;
-  const KVLShellCommand* const command = KVLShellFindCommand(name);
+  const KVLShellCommand* const command = KVLShellLookUpCommand(name);
   const Topic* const topic = FindTopic(name);
   if (!command && !topic) return UnknownTopic(arguments[0]);
   const char* const usage = command ? command->usage : topic->name;
@@ -88,6 +88,13 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork&, KVLShellA
 }
 
 }  // namespace
+
+KVLVector<MRBUnicodeString> KVLShellTopicNames() {
+  KVLVector<MRBUnicodeString> names;
+  for (const Topic& topic : Topics)
+    names.Append(topic.name);
+  return names;
+}
 
 const KVLShellCommand KVLShellHelpCommand = {"help",
                                              "help [TOPIC]",

@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <utility>
 
 #include "KVLShellCommand.h"
 #include "KVLShellDescription.h"
@@ -11,8 +11,7 @@ namespace {
 class Listing {
  public:
   // `wantedKind`: null for every kind.
-  Listing(const KVLShellWord* wantedKind, bool recursive)
-      : kind(wantedKind), isRecursive(recursive) {}
+  explicit Listing(const KVLShellWord* wantedKind) : kind(wantedKind) {}
 
   void Add(const MRBUnicodeString& label, const KVLCodeObject& object) {
     const char* const kindName = KVLShellKind(object);
@@ -25,41 +24,11 @@ class Listing {
     records.Append(std::move(record));
   }
 
-  // Lists what `envs` hold, labelled from `prefix` on.
-  KVLShellOutcome AddChildren(const KVLShellEnvs& envs, const MRBUnicodeString& prefix) {
-    for (const KVLShellChild& child : KVLShellChildren(envs)) {
-      if (KVLShellIsInterrupted()) {
-        return KVLShellOutcome(KVLShellResult_Interrupted, "ls: interrupted");
-      }
-      const MRBUnicodeString label = prefix + child.label;
-      Add(label, *child.object);
-      const KVLShellOutcome outcome = AddBelow(child, label);
-      if (!outcome.IsSuccess()) return outcome;
-    }
-    return KVLShellOutcome();
-  }
-
-  void Enter(KVLCodeEnv* env) { above.Append(env); }
   KVLShellNode& GetRecords() { return records; }
 
  private:
-  KVLShellOutcome AddBelow(const KVLShellChild& child, const MRBUnicodeString& label) {
-    KVLCodeEnv* const env = child.env.Get();
-    if (!isRecursive || !env) return KVLShellOutcome();
-    if (std::find(above.begin(), above.end(), env) != above.end()) return KVLShellOutcome();
-    above.Append(env);
-    KVLShellEnvs below;
-    below.Append(child.env);
-    const KVLShellOutcome outcome = AddChildren(below, label);
-    above.Resize(above.GetCount() - 1);
-    return outcome;
-  }
-
   const KVLShellWord* const kind;
-  const bool isRecursive;
   KVLShellNode records = KVLShellNode::NewList();
-  // What is being listed further up: environments can aggregate one another in a circle.
-  KVLVector<const KVLCodeEnv*> above;
 };
 
 KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork&, KVLShellAnswer& answer) {
@@ -69,20 +38,24 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork&, KVLShellA
   if (!place.IsFound()) {
     return KVLShellNotFound("environment or object", path, arguments[0].position);
   }
-  Listing listing(arguments.ValueOf("-k"), arguments.Has("-r"));
-  KVLShellOutcome outcome;
+  Listing listing(arguments.ValueOf("-k"));
+  bool isDone = true;
   if (place.envs.IsEmpty()) {
     listing.Add(place.path, *place.object);
+  } else if (arguments.Has("-r")) {
+    isDone = KVLShellWalk(place.envs, [&](const MRBUnicodeString& label, const auto& child) {
+      listing.Add(label, *child.object);
+      return true;
+    });
   } else {
-    for (const KVLSmartPtr<KVLCodeEnv>& env : place.envs)
-      listing.Enter(env.Get());
-    outcome = listing.AddChildren(place.envs, "");
+    for (const KVLShellChild& child : KVLShellChildren(place.envs))
+      listing.Add(child.label, *child.object);
   }
-  if (!outcome.IsSuccess()) return outcome;
+  if (!isDone) return KVLShellOutcome(KVLShellResult_Interrupted, "ls: interrupted");
   answer.result = std::move(listing.GetRecords());
   answer.layout = KVLShellAnswer::Table;
   answer.columns = Columns;
-  return outcome;
+  return KVLShellOutcome();
 }
 
 }  // namespace

@@ -123,7 +123,7 @@ class Reader {
     if (isAssignment) return ReadAssignment(statement);
     const bool isWhole =
         runEnd == length || KVLShellIsBlank(bytes[runEnd]) || KVLShellIsStatementEnd(bytes[runEnd]);
-    statement.command = isWhole ? KVLShellFindCommand(run) : nullptr;
+    statement.command = isWhole ? KVLShellLookUpCommand(run) : nullptr;
     if (statement.command) return ReadCommand(statement);
     const bool isWord = !run.IsEmpty() && !StartsExpression(run);
     if (isWord && !isCall && isFollowed) return ReadWords(statement);
@@ -226,7 +226,7 @@ class Reader {
       if (!ReadWord(word)) return false;
       statement.words.Append(std::move(word));
     }
-    if (!statement.command) statement.command = KVLShellFindCommand(statement.words[0].text);
+    if (!statement.command) statement.command = KVLShellLookUpCommand(statement.words[0].text);
     return true;
   }
 

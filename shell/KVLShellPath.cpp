@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "KVLShellResult.h"
+#include "KVLShellSession.h"
 #include "KVLStringOperations.h"
 
 namespace {
@@ -83,7 +84,33 @@ int EditDistance(const MRBUnicodeString& from, const MRBUnicodeString& to) {
   return last[width - 1];
 }
 
+using Visit = std::function<bool(const MRBUnicodeString& label, const KVLShellChild& child)>;
+
+// `above`: what is being walked further up.
+bool Walk(const KVLShellEnvs& envs, const MRBUnicodeString& prefix, const Visit& visit,
+          KVLVector<const KVLCodeEnv*>& above) {
+  for (const KVLShellChild& child : KVLShellChildren(envs)) {
+    const MRBUnicodeString label = prefix + child.label;
+    if (KVLShellIsInterrupted() || !visit(label, child)) return false;
+    KVLCodeEnv* const env = child.env.Get();
+    if (!env || std::find(above.begin(), above.end(), env) != above.end()) continue;
+    above.Append(env);
+    KVLShellEnvs below;
+    below.Append(child.env);
+    if (!Walk(below, label, visit, above)) return false;
+    above.Resize(above.GetCount() - 1);
+  }
+  return true;
+}
+
 }  // namespace
+
+bool KVLShellWalk(const KVLShellEnvs& envs, const Visit& visit) {
+  KVLVector<const KVLCodeEnv*> above;
+  for (const KVLSmartPtr<KVLCodeEnv>& env : envs)
+    above.Append(env.Get());
+  return Walk(envs, "", visit, above);
+}
 
 KVLShellPlace KVLShellFind(const MRBUnicodeString& path) {
   const KVLVector<MRBUnicodeString> names = NamesOf(path);
@@ -107,12 +134,20 @@ KVLShellPlace KVLShellFind(const MRBUnicodeString& path) {
 }
 
 KVLVector<KVLShellChild> KVLShellChildren(const KVLShellEnvs& envs) {
+  return KVLShellChildren(envs, "");
+}
+
+KVLVector<KVLShellChild> KVLShellChildren(const KVLShellEnvs& envs, const MRBUnicodeString& start) {
   KVLVector<KVLShellChild> children;
   for (const KVLSmartPtr<KVLCodeEnv>& env : envs) {
-    for (const auto& object : env->IterOnObjects())
+    for (const auto& object : env->IterOnObjects()) {
+      if (!KVLStringOperations::StartsWith(object.key, start)) continue;
       children.Append(KVLShellChild{object.key, object.value, nullptr});
-    for (const auto& subEnv : env->IterOnSubEnvs())
+    }
+    for (const auto& subEnv : env->IterOnSubEnvs()) {
+      if (!KVLStringOperations::StartsWith(subEnv.key, start)) continue;
       children.Append(KVLShellChild{subEnv.key + "/", subEnv.value, subEnv.value});
+    }
   }
   // Stable, so that the first of equal labels stays the first.
   std::stable_sort(children.begin(), children.end(),

@@ -1,6 +1,8 @@
 #ifndef KVL_SHELL_PATH_H
 #define KVL_SHELL_PATH_H
 
+#include <functional>
+
 #include "KVLCodeEnv.h"
 #include "KVLShellOutcome.h"
 
@@ -31,6 +33,16 @@ KVLShellPlace KVLShellFind(const MRBUnicodeString& path);
 /// The children of `envs`, sorted by label; of several with one label the first that the kernel
 /// would find.
 KVLVector<KVLShellChild> KVLShellChildren(const KVLShellEnvs& envs);
+/// Those whose names begin with `start`.
+KVLVector<KVLShellChild> KVLShellChildren(const KVLShellEnvs& envs, const MRBUnicodeString& start);
+
+/// Hands everything below `envs` to `visit`, an environment before what it holds, each
+/// environment's children sorted; `label` is the path from `envs` on, with "/" behind an
+/// environment. Environments that aggregate one another in a circle are entered once. Ends and
+/// returns false when `visit` does, or when the user interrupts.
+bool KVLShellWalk(
+    const KVLShellEnvs& envs,
+    const std::function<bool(const MRBUnicodeString& label, const KVLShellChild& child)>& visit);
 
 /// The outcome for a `path` that leads nowhere: says which name is missing where, and what was
 /// possibly meant. `kind` says in words what was looked for.

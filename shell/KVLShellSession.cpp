@@ -191,11 +191,11 @@ KVLShellTextRun::~KVLShellTextRun() {
   --nbRunning;
 }
 
-bool KVLShellTextRun::IsOutermost() const {
+bool KVLShellTextRun::IsOutermost() {
   return nbRunning == 1;
 }
 
-bool KVLShellTextRun::IsTooDeep() const {
+bool KVLShellTextRun::IsTooDeep() {
   return nbRunning > DeepestRun;
 }
 

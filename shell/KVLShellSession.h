@@ -98,8 +98,8 @@ class KVLShellTextRun {
   KVLShellTextRun& operator=(const KVLShellTextRun&) = delete;
   ~KVLShellTextRun();
 
-  bool IsOutermost() const;
-  bool IsTooDeep() const;
+  static bool IsOutermost();
+  static bool IsTooDeep();
 };
 
 /// Asks the text at work to end; none is a matter of indifference. For signal handlers too.

@@ -30,19 +30,29 @@ KVLShellOutcome RunVars(const KVLShellArguments&, KVLShellWork& work, KVLShellAn
 KVLShellOutcome RunUnset(const KVLShellArguments& arguments, KVLShellWork& work,
                          KVLShellAnswer& answer) {
   const KVLShellWord& word = arguments[0];
-  if (work.session.RemoveVariable(word.text)) {
+  if (work.session.RemoveVariable(word.text) || work.session.Unbind(word.text)) {
     answer.result = KVLShellNode::NewRecord();
     answer.result.Set("name", word.text);
     return KVLShellOutcome();
   }
-  KVLShellOutcome outcome(KVLShellResult_NotFound,
-                          "unset: no session value '" + KVLShellPrintable(word.text) + "'",
-                          word.position);
+  KVLShellOutcome outcome(
+      KVLShellResult_NotFound,
+      "unset: no session value or binding '" + KVLShellPrintable(word.text) + "'", word.position);
   outcome.got = word.text;
   KVLVector<MRBUnicodeString> names;
   work.session.GetVariableNames(names);
+  for (const KVLShellSession::Binding& binding : work.session.GetBindings())
+    names.Append(binding.path);
   outcome.suggestion = KVLShellNearest(word.text, names);
   return outcome;
+}
+
+KVLShellOutcome RunHistory(const KVLShellArguments&, KVLShellWork& work, KVLShellAnswer& answer) {
+  answer.result = KVLShellNode::NewList();
+  for (const MRBUnicodeString& text : work.session.GetHistory())
+    answer.result.Append(text);
+  answer.layout = KVLShellAnswer::Lines;
+  return KVLShellOutcome();
 }
 
 KVLShellOutcome RunQuit(const KVLShellArguments& arguments, KVLShellWork&, KVLShellAnswer& answer) {
@@ -80,11 +90,36 @@ KVLShellOutcome RunTime(const KVLShellArguments& arguments, KVLShellWork& work,
 
 }  // namespace
 
-const KVLShellCommand KVLShellVarsCommand = {
-    "vars", "vars", "lists the session values", "", KVLShellStyle_Words, RunVars, 0, 0, {}, {}};
+const KVLShellCommand KVLShellHistoryCommand = {
+    "history", "history", "lists the texts run so far", "", KVLShellStyle_Words, RunHistory, 0, 0,
+    {},        {}};
+
+const KVLShellCommand KVLShellQuitCommand = {
+    "quit",
+    "quit [CODE]",
+    "ends the session",
+    "  CODE, from 0 to 255, is what the program exits with; 0 when it is left out.\n",
+    KVLShellStyle_Words,
+    RunQuit,
+    0,
+    1,
+    {},
+    {}};
+
+const KVLShellCommand KVLShellTimeCommand = {"time",
+                                             "time EXPRESSION",
+                                             "tells how long an expression takes",
+                                             "  Prints its value, then the seconds.\n",
+                                             KVLShellStyle_Expression,
+                                             RunTime,
+                                             1,
+                                             -1,
+                                             {},
+                                             {}};
+
 const KVLShellCommand KVLShellUnsetCommand = {"unset",
                                               "unset NAME",
-                                              "forgets a session value",
+                                              "forgets a session value or a binding",
                                               "",
                                               KVLShellStyle_Words,
                                               RunUnset,
@@ -92,15 +127,15 @@ const KVLShellCommand KVLShellUnsetCommand = {"unset",
                                               1,
                                               {KVLShellWord_Name},
                                               {}};
-const KVLShellCommand KVLShellQuitCommand = {
-    "quit", "quit [CODE]", "ends the session", "", KVLShellStyle_Words, RunQuit, 0, 1, {}, {}};
-const KVLShellCommand KVLShellTimeCommand = {"time",
-                                             "time EXPRESSION",
-                                             "tells how long an expression takes",
-                                             "",
-                                             KVLShellStyle_Expression,
-                                             RunTime,
-                                             1,
-                                             -1,
-                                             {},
-                                             {}};
+
+const KVLShellCommand KVLShellVarsCommand = {
+    "vars",
+    "vars",
+    "lists the session values",
+    "  NAME = EXPRESSION sets one, $NAME stands for it, 'unset NAME' forgets it.\n",
+    KVLShellStyle_Words,
+    RunVars,
+    0,
+    0,
+    {},
+    {}};

@@ -426,7 +426,10 @@ TEST(KVLShellRun, MisuseTellsTheUsage) {
 
 TEST(KVLShellRun, HelpTellsEveryCommand) {
   const std::string all = "\n" + Ask("help").output;
-  for (const char* const name : {"call", "check", "convert", "help", "info", "ls"}) {
+  for (const char* const name :
+       {"bind",    "call",   "check", "complete", "convert", "find", "help",
+        "history", "info",   "load",  "ls",       "modules", "quit", "source",
+        "time",    "unload", "unset", "unuse",    "use",     "vars"}) {
     EXPECT_NE(all.find(std::string("\n") + name + " "), std::string::npos) << name;
     const Said one = Ask(MRBUnicodeString("help ") + name);
     EXPECT_EQ(one.code, KVLResult_Success);
