@@ -28,6 +28,9 @@ class KVL_EXPORT KVLRefCounted {
     if (--referenceCount <= 0) ReleaseLast();
   }
 
+  /// How many references there are. Who holds them all may use the object for something else.
+  int GetNbReferences() const { return referenceCount; }
+
  private:
   void ReleaseLast() const;
 

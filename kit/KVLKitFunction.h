@@ -43,6 +43,7 @@ class Out {
 struct Frame {
   const KVLCodeContext& context;
   KVLVector<KVLSmartPtr<KVLCodeValue>>& args;  ///< one a visible parameter, made by the kit
+  KVLSmartPtr<KVLCodeValue>& spare;            ///< a former result that no one holds, or null
 };
 
 namespace detail {
@@ -421,11 +422,18 @@ decltype(auto) HandedFrom(const Frame& frame) {
 }
 
 template <class R, class Invoke>
-KVLSmartPtr<KVLCodeValue> Returned(Invoke&& invoke) {
+KVLSmartPtr<KVLCodeValue> Returned(const Frame& frame, Invoke&& invoke) {
   using Data = std::remove_cv_t<std::remove_reference_t<R>>;
   if constexpr (std::is_void_v<R>) {
     invoke();
+    if (frame.spare) return std::move(frame.spare);
     return KVLSmartPtr<KVLCodeValue>(new Value(TableOf<void>, MRBUnicodeString()));
+  } else if constexpr (Carrier<Data>::IsDirect) {
+    // Computed first: a call that throws must leave the former result to whom it belongs.
+    decltype(auto) data = invoke();
+    if (!frame.spare) return Carrier<Data>::Make(data);
+    static_cast<Value&>(*frame.spare).template Get<Data>() = std::forward<R>(data);
+    return std::move(frame.spare);
   } else {
     return Carrier<Data>::Make(invoke());
   }
@@ -454,10 +462,10 @@ Pointer PointerIn(const Callable& callable) {
 template <class R, class... P>
 struct FunctionSignature {
   template <int... I>
-  static KVLSmartPtr<KVLCodeValue> Call(R (*function)(P...), [[maybe_unused]] const Frame& frame,
+  static KVLSmartPtr<KVLCodeValue> Call(R (*function)(P...), const Frame& frame,
                                         std::integer_sequence<int, I...>) {
     return Returned<R>(
-        [&]() -> R { return function(HandedFrom<P, ArgumentOf<P...>(I)>(frame).Get()...); });
+        frame, [&]() -> R { return function(HandedFrom<P, ArgumentOf<P...>(I)>(frame).Get()...); });
   }
   static KVLSmartPtr<KVLCodeValue> Thunk(const Callable& callable, const Frame& frame) {
     return Call(PointerIn<R (*)(P...)>(callable), frame,
@@ -473,7 +481,7 @@ struct MethodSignature {
   template <int... I>
   static KVLSmartPtr<KVLCodeValue> Call(Method method, const Frame& frame,
                                         std::integer_sequence<int, I...>) {
-    return Returned<R>([&]() -> R {
+    return Returned<R>(frame, [&]() -> R {
       return (HandedFrom<Object, 0>(frame).Get().*
               method)(HandedFrom<P, ArgumentOf<Object, P...>(I + 1)>(frame).Get()...);
     });
@@ -577,6 +585,9 @@ constexpr Signature* Overload(Signature* function) {
 }
 
 /// A published C++ function or method.
+///
+/// What a caller was made of, its memory, its arguments and its last result, goes to the next
+/// caller of the function, where nobody else holds it.
 class Function final : public KVLCodeFunction {
  public:
   /// `params` names the parameters, hidden ones left out, and gives their defaults, as
@@ -584,57 +595,124 @@ class Function final : public KVLCodeFunction {
   /// `Check`.
   Function(const MRBUnicodeString& functionName, const detail::Described& described,
            const char* params);
-  ~Function() override = default;
+  Function(const Function&) = delete;
+  Function& operator=(const Function&) = delete;
+  ~Function() override { ::operator delete(spareBlock); }
 
   /// True for a pointer to a method, and where the first parameter is named "this".
   bool IsMethod() const override { return isMethod; }
   /// A caller whose arguments hold the defaults.
   KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override;
 
-  /// For `Check`, and so for the anomaly check.
-  void AddMessage(const MRBUnicodeString& message) { messages.Append(message); }
-
  protected:
   long InitImpl() override;
 
  private:
   class Caller;
+  using Values = KVLVector<KVLSmartPtr<KVLCodeValue>>;
 
   const detail::SignatureTable& signature;
   const detail::Callable callable;
-  KVLVector<KVLSmartPtr<KVLCodeValue>> defaults;  // of plain types; null where there is none
+  Values defaults;  // of plain types; null where there is none
   bool isMethod;
+
+  mutable Values spareArgs;
+  mutable KVLSmartPtr<KVLCodeValue> spareResult;
+  mutable void* spareBlock = nullptr;
 };
 
 class Function::Caller final : public KVLCodeFunctionCaller {
  public:
   Caller(const Function& called, const KVLCodeContext& callContext)
-      : KVLCodeFunctionCaller(called, callContext),
-        thunk(called.signature.thunk),
-        callable(called.callable) {
-    args.Reserve(called.signature.count);
+      : KVLCodeFunctionCaller(called, callContext) {
+    args.Swap(called.spareArgs);
+    std::swap(formerResult, called.spareResult);
+    const bool areUsed = !args.IsEmpty();
+    if (!areUsed) args.Reserve(called.signature.count);
     for (int i = 0; i < called.signature.count; ++i) {
-      const Param& param = called.params[i];
-      args.Append(MakeValue(*called.signature.params[i].type, param.name));
-      if (param.defaultValue.IsEmpty()) continue;
+      const TypeTable& type = *called.signature.params[i].type;
+      if (!areUsed) args.Append(MakeValue(type, called.params[i].name));
       if (const KVLSmartPtr<KVLCodeValue>& preset = called.defaults[i]) {
-        (void)args[i]->AssignFrom(callContext, *preset);
-      } else {
-        // A default that cannot be read leaves the argument fresh; the strict check tells it.
-        (void)args[i]->SetValueStr(callContext, param.defaultValue);
+        type.assign(args[i]->GetValuePtr(), preset->GetValuePtr());
+        continue;
       }
+      if (areUsed && type.isTrivial) args[i]->Reset();
+      // A default that cannot be read leaves the argument fresh; the strict check tells it.
+      const MRBUnicodeString& text = called.params[i].defaultValue;
+      if (!text.IsEmpty()) (void)args[i]->SetValueStr(callContext, text);
     }
   }
-  ~Caller() override = default;
+  Caller(const Caller&) = delete;
+  Caller& operator=(const Caller&) = delete;
+  ~Caller() override {
+    const Function& called = GetCalled();
+    Give(called);
+    // A function that dies with its last caller keeps nothing.
+    Keeper(this) = called.GetNbReferences() > 1 && !called.spareBlock ? &called : nullptr;
+  }
+
+  static void* operator new(std::size_t size, const Function& called) {
+    void* block = called.spareBlock;
+    if (block) {
+      called.spareBlock = nullptr;
+    } else {
+      block = ::operator new(HeaderSize + size);
+    }
+    return static_cast<char*>(block) + HeaderSize;
+  }
+  static void operator delete(void* caller) {
+    void* const block = static_cast<char*>(caller) - HeaderSize;
+    if (const Function* const keeper = Keeper(caller)) {
+      keeper->spareBlock = block;
+    } else {
+      ::operator delete(block);
+    }
+  }
+  static void operator delete(void* caller, const Function&) {
+    ::operator delete(static_cast<char*>(caller) - HeaderSize);
+  }
 
  protected:
   KVLSmartPtr<KVLCodeValue> CallInternal() override {
-    return thunk(callable, Frame{*context, args});
+    const Function& called = GetCalled();
+    // The former result is written over where only this caller knows it.
+    KVLSmartPtr<KVLCodeValue> spare = std::move(formerResult);
+    if (!spare && IsMine(returnedValue)) spare = returnedValue;
+    return called.signature.thunk(called.callable, Frame{*context, args, spare});
   }
 
  private:
-  const detail::Thunk thunk;
-  const detail::Callable callable;
+  static constexpr std::size_t HeaderSize = alignof(std::max_align_t);
+
+  // The function that takes the block of a caller back: in the block's header.
+  static const Function*& Keeper(void* caller) {
+    return *reinterpret_cast<const Function**>(static_cast<char*>(caller) - HeaderSize);
+  }
+  const Function& GetCalled() const { return static_cast<const Function&>(*function); }
+
+  static bool IsMine(const KVLSmartPtr<KVLCodeValue>& value) {
+    return value && value->GetNbReferences() == 1;
+  }
+
+  // Hands on what nobody else holds, without what it holds itself: it may be of other modules.
+  void Give(const Function& called) {
+    const detail::SignatureTable& signature = called.signature;
+    KVLSmartPtr<KVLCodeValue>& result = returnedValue ? returnedValue : formerResult;
+    if (IsMine(result) && !called.spareResult &&
+        (signature.returned->kind == TypeTable::Data ||
+         signature.returned->kind == TypeTable::Void)) {
+      if (!signature.returned->isTrivial) result->Reset();
+      std::swap(called.spareResult, result);
+    }
+    if (!called.spareArgs.IsEmpty()) return;
+    for (int i = 0; i < args.GetCount(); ++i) {
+      if (!IsMine(args[i])) return;
+      if (!signature.params[i].type->isTrivial) Renew(*signature.params[i].type, *args[i]);
+    }
+    args.Swap(called.spareArgs);
+  }
+
+  KVLSmartPtr<KVLCodeValue> formerResult;  // of a former caller, or null
 };
 
 inline Function::Function(const MRBUnicodeString& functionName, const detail::Described& described,
@@ -654,11 +732,12 @@ inline Function::Function(const MRBUnicodeString& functionName, const detail::De
 
 inline KVLSmartPtr<KVLCodeFunctionCaller> Function::CreateCaller(
     const KVLCodeContext& context) const {
-  return KVLSmartPtr<KVLCodeFunctionCaller>(new Caller(*this, context));
+  return KVLSmartPtr<KVLCodeFunctionCaller>(new (*this) Caller(*this, context));
 }
 
 inline long Function::InitImpl() {
   isMethod = signature.isMethod || (signature.count > 0 && params[0].name == "this");
+  spareArgs.Resize(0);
   defaults.Resize(0);
   defaults.Resize(signature.count);
   for (int i = 0; i < signature.count; ++i) {

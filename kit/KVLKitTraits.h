@@ -105,6 +105,7 @@ struct TypeTable {
   const char* parent;        ///< the parent type's name, or ""
   const TypeTable* element;  ///< of a list: the table of its elements' type, null for any
   enum Kind : unsigned char { Data, List, Any, Void } kind;
+  bool isTrivial;  ///< nothing is held by a datum
   std::size_t size;
   void (*construct)(void* data);
   void (*destroy)(void* data);
@@ -147,24 +148,30 @@ MRBUnicodeString PrintData(const void* data) {
 
 /// The table of the C++ type `T`, which is to be a plain type without `const` and reference.
 template <class T>
-inline constexpr TypeTable TableOf = {
-    Traits<T>::Name,      Traits<T>::Parent,  nullptr,
-    TypeTable::Data,      sizeof(T),          &detail::Construct<T>,
-    &detail::Destroy<T>,  &detail::Assign<T>, &detail::ParseData<T>,
-    &detail::PrintData<T>};
+inline constexpr TypeTable TableOf = {Traits<T>::Name,
+                                      Traits<T>::Parent,
+                                      nullptr,
+                                      TypeTable::Data,
+                                      std::is_trivially_destructible_v<T>,
+                                      sizeof(T),
+                                      &detail::Construct<T>,
+                                      &detail::Destroy<T>,
+                                      &detail::Assign<T>,
+                                      &detail::ParseData<T>,
+                                      &detail::PrintData<T>};
 
 template <>
-inline constexpr TypeTable TableOf<void> = {"void",  "",      nullptr, TypeTable::Void, 0,
+inline constexpr TypeTable TableOf<void> = {"void",  "",      nullptr, TypeTable::Void, true,   0,
                                             nullptr, nullptr, nullptr, nullptr,         nullptr};
 
 /// Lists: `KVLVector<T>`, and for elements of any type `KVLCodeListValue::Elements`.
 template <class T>
 inline constexpr TypeTable TableOf<KVLVector<T>> = {
-    "",      AnyListName, &TableOf<T>, TypeTable::List, sizeof(KVLVector<T>),
+    "",      AnyListName, &TableOf<T>, TypeTable::List, false,  sizeof(KVLVector<T>),
     nullptr, nullptr,     nullptr,     nullptr,         nullptr};
 template <>
 inline constexpr TypeTable TableOf<KVLCodeListValue::Elements> = {
-    "",      "",      nullptr, TypeTable::List, sizeof(KVLCodeListValue::Elements),
+    "",      "",      nullptr, TypeTable::List, false,  sizeof(KVLCodeListValue::Elements),
     nullptr, nullptr, nullptr, nullptr,         nullptr};
 
 }  // namespace kvl

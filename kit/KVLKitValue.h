@@ -94,8 +94,6 @@ class Value final : public KVLCodeValue {
   }
 
   void MakeReadOnly() { isReadOnly = true; }
-  /// For `Check`, and so for the anomaly check.
-  void AddMessage(const MRBUnicodeString& message) { messages.Append(message); }
 
   /// The datum, which is of the C++ type of the table.
   template <class T>
@@ -180,6 +178,15 @@ inline KVLSmartPtr<KVLCodeValue> MakeValue(const TypeTable& table, const MRBUnic
   return KVLSmartPtr<KVLCodeValue>(new Value(table, name));
 }
 
+/// Makes a value that `MakeValue` made as if it were fresh.
+inline void Renew(const TypeTable& table, KVLCodeValue& value) {
+  if (table.kind == TypeTable::List) {
+    (void)static_cast<ListValue&>(value).MakeOwnElements();
+  } else {
+    value.Reset();
+  }
+}
+
 /// A value of a published C++ type that holds `data`.
 template <class T>
 KVLSmartPtr<KVLCodeValue> MakeValueOf(const T& data, const MRBUnicodeString& name = "") {
@@ -189,8 +196,9 @@ KVLSmartPtr<KVLCodeValue> MakeValueOf(const T& data, const MRBUnicodeString& nam
 }
 
 template <>
-inline constexpr TypeTable TableOf<Any> = {"any",   "",      nullptr, TypeTable::Any, sizeof(Any),
-                                           nullptr, nullptr, nullptr, nullptr,        nullptr};
+inline constexpr TypeTable TableOf<Any> = {"any",   "",          nullptr, TypeTable::Any,
+                                           false,   sizeof(Any), nullptr, nullptr,
+                                           nullptr, nullptr,     nullptr};
 
 namespace detail {
 
