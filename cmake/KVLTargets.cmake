@@ -27,6 +27,10 @@ function(kvl_add_layer name)
   set_target_properties(
     kvl_${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_EXTENSIONS OFF
                            CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  # The kernel calls its own members directly, also those that it exports.
+  if(NOT WIN32)
+    target_compile_options(kvl_${name} PRIVATE -fno-semantic-interposition)
+  endif()
   kvl_set_warnings(kvl_${name})
 endfunction()
 
