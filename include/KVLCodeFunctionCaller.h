@@ -1,10 +1,9 @@
 #ifndef KVL_CODE_FUNCTION_CALLER_H
 #define KVL_CODE_FUNCTION_CALLER_H
 
-#include "KVLCodeObject.h"
-
-class KVLCodeContext;
-class KVLCodeFunction;
+#include "KVLCodeFunction.h"
+#include "KVLCodeValue.h"
+#include "KVLResult.h"
 
 /// One call in the making: holds the arguments, makes the call and keeps what it returned. A
 /// function makes its own callers (`KVLCodeFunction::CreateCaller`); the deriving class fills
@@ -22,7 +21,8 @@ class KVLCodeFunction;
 class KVL_EXPORT KVLCodeFunctionCaller : public KVLCodeObject {
  public:
   /// A caller named as the function, without arguments. Shares the function.
-  KVLCodeFunctionCaller(const KVLCodeFunction& function, const KVLCodeContext& context);
+  KVLCodeFunctionCaller(const KVLCodeFunction& calledFunction, const KVLCodeContext& callContext)
+      : KVLCodeObject(calledFunction.GetName()), context(&callContext), function(&calledFunction) {}
   /// The copy shares the argument objects and the returned value.
   KVLCodeFunctionCaller(const KVLCodeFunctionCaller& other);
   KVLCodeFunctionCaller& operator=(const KVLCodeFunctionCaller&) = delete;
@@ -32,17 +32,24 @@ class KVL_EXPORT KVLCodeFunctionCaller : public KVLCodeObject {
   bool IsReady() const;
   const KVLCodeFunction& GetFunction() const;
 
-  int GetNbArgs();
+  int GetNbArgs() { return args.GetCount(); }
   /// The argument objects, shared.
   KVLVector<KVLSmartPtr<KVLCodeValue>> GetArgs();
   /// Argument `i`, or null when there is none.
-  KVLSmartPtr<KVLCodeValue> GetArg(int i);
+  KVLSmartPtr<KVLCodeValue> GetArg(int i) {
+    return i >= 0 && i < args.GetCount() ? args[i] : KVLSmartPtr<KVLCodeValue>();
+  }
   /// Writes argument `i` to `text`. Returns what the value returns, or 0x80004005 when there is no
   /// such argument.
   long GetArgStr(int i, MRBUnicodeString& text);
   /// Assigns `value`, through a conversion where the types differ, to argument `i`. Returns 0, the
   /// negative code of the assignment, or 0x80004005 when either is missing.
-  long SetArg(int i, KVLSmartPtr<const KVLCodeValue> value);
+  long SetArg(int i, KVLSmartPtr<const KVLCodeValue> value) {
+    const KVLSmartPtr<KVLCodeValue> arg = GetArg(i);
+    if (!arg || !value) return KVLResult_Failure;
+    const long result = arg->AssignFrom(*context, *value);
+    return KVLFailed(result) ? result : KVLResult_Success;
+  }
   /// Sets argument `i` from `text`. Returns what the value returns, or 0x80004005 when there is no
   /// such argument.
   long SetArgStr(int i, const MRBUnicodeString& text);
@@ -51,10 +58,14 @@ class KVL_EXPORT KVLCodeFunctionCaller : public KVLCodeObject {
   /// `std::runtime_error` ("Calling method on null pointer") when the function is a method and its
   /// object argument designates no object; exceptions of the function pass through. The former
   /// returned value stays when an exception passes.
-  long Call();
+  long Call() {
+    if (function->IsMethod()) RefuseNullObject();
+    returnedValue = CallInternal();
+    return KVLResult_Success;
+  }
 
   /// What the last call returned; null before the first call, and when it returned nothing.
-  KVLSmartPtr<KVLCodeValue> GetReturnedValue() const;
+  KVLSmartPtr<KVLCodeValue> GetReturnedValue() const { return returnedValue; }
   /// Writes the returned value to `text`. Returns what the value returns, or 0x80004005 when there
   /// is none.
   long GetReturnedValueStr(MRBUnicodeString& text) const;
@@ -67,6 +78,9 @@ class KVL_EXPORT KVLCodeFunctionCaller : public KVLCodeObject {
   KVLSmartPtr<const KVLCodeFunction> function;
   KVLVector<KVLSmartPtr<KVLCodeValue>> args;
   KVLSmartPtr<KVLCodeValue> returnedValue;
+
+ private:
+  void RefuseNullObject();
 };
 
 #endif

@@ -24,11 +24,11 @@ class KVLCodeValue;
 /// Thread rule: see `KVLRefCounted`.
 class KVL_EXPORT KVLCodeObject : public KVLRefCounted {
  public:
-  explicit KVLCodeObject(const MRBUnicodeString& name);
+  explicit KVLCodeObject(const MRBUnicodeString& objectName) : name(objectName) {}
   /// Copies messages, name and registration locations; the copy has no references yet.
   KVLCodeObject(const KVLCodeObject&) = default;
   KVLCodeObject& operator=(const KVLCodeObject&) = default;
-  ~KVLCodeObject() override;
+  ~KVLCodeObject() override = default;
 
   virtual KVLCodeFunction* AsFunction();
   virtual const KVLCodeFunction* AsFunction() const;

@@ -18,12 +18,13 @@ class KVLCodeContext;
 /// Thread rule: a value belongs to one thread at a time.
 class KVL_EXPORT KVLCodeValue : public KVLCodeObject {
  public:
-  /// A value named `name` of the type registered under `typeName`.
-  KVLCodeValue(const MRBUnicodeString& name, const MRBUnicodeString& typeName);
+  /// A value named `valueName` of the type registered under `nameOfType`.
+  KVLCodeValue(const MRBUnicodeString& valueName, const MRBUnicodeString& nameOfType)
+      : KVLCodeObject(valueName), typeName(nameOfType) {}
   KVLCodeValue(const KVLCodeValue&) = default;
   /// Content is assigned by `AssignFrom`; name and type name stay.
   KVLCodeValue& operator=(const KVLCodeValue&) = delete;
-  ~KVLCodeValue() override;
+  ~KVLCodeValue() override = default;
 
   KVLCodeValue* AsVariable() override;
   const KVLCodeValue* AsVariable() const override;

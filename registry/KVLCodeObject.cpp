@@ -2,10 +2,6 @@
 
 #include "KVLStandardOutput.h"
 
-KVLCodeObject::KVLCodeObject(const MRBUnicodeString& objectName) : name(objectName) {}
-
-KVLCodeObject::~KVLCodeObject() = default;
-
 KVLCodeFunction* KVLCodeObject::AsFunction() {
   return nullptr;
 }

@@ -10,11 +10,6 @@
 #include "KVLResult.h"
 #include "KVLStringOperations.h"
 
-KVLCodeValue::KVLCodeValue(const MRBUnicodeString& valueName, const MRBUnicodeString& nameOfType)
-    : KVLCodeObject(valueName), typeName(nameOfType) {}
-
-KVLCodeValue::~KVLCodeValue() = default;
-
 KVLCodeValue* KVLCodeValue::AsVariable() {
   return this;
 }

@@ -130,6 +130,18 @@ TEST_F(KVLRefCountedTest, TheReleaseThatReaches0Destroys) {
   EXPECT_EQ(live, 0);
 }
 
+TEST_F(KVLRefCountedTest, TellsHowManyReferencesThereAre) {
+  const Object* const object = new Object;
+  EXPECT_EQ(object->GetNbReferences(), 0);
+  object->AddRef();
+  EXPECT_EQ(object->GetNbReferences(), 1);
+  object->AddRef();
+  EXPECT_EQ(object->GetNbReferences(), 2);
+  object->Release();
+  EXPECT_EQ(object->GetNbReferences(), 1);
+  object->Release();
+}
+
 TEST_F(KVLRefCountedTest, ACopyStartsAt0) {
   const KVLSmartPtr<Object> first(new Object);
   const KVLSmartPtr<Object> shared(first);
