@@ -2,7 +2,10 @@
 #define KVL_BENCH_NUMBERS_H
 
 #include <charconv>
+#include <cstddef>
+#include <new>
 #include <system_error>
+#include <utility>
 
 #include "KVLCodeFunction.h"
 #include "KVLCodeFunctionCaller.h"
@@ -46,6 +49,7 @@ class NumberValue final : public KVLCodeValue {
   }
 
   Number GetNumber() const { return number; }
+  void SetNumber(Number newNumber) { number = newNumber; }
 
  private:
   static bool Holds(const MRBUnicodeString& nameOfType);
@@ -88,71 +92,128 @@ class NumberType final : public KVLCodeType {
   const MRBUnicodeString parentName;
 };
 
-/// double add(double left, double right)
-class AddFunction final : public KVLCodeFunction {
+/// A function of numbers. What a caller was made of, its memory, its arguments and the value that
+/// it returned, goes to the next caller of the function, unless someone still shares it.
+template <class Function, class Result, class... Args>
+class NumberFunction : public KVLCodeFunction {
  public:
-  explicit AddFunction(const MRBUnicodeString& functionName) : KVLCodeFunction(functionName, 2) {
+  ~NumberFunction() override { ::operator delete(spareBlock); }
+  NumberFunction(const NumberFunction&) = delete;
+  NumberFunction& operator=(const NumberFunction&) = delete;
+
+  bool IsMethod() const override { return false; }
+  KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override {
+    return new (*this) Caller(*this, context);
+  }
+
+ protected:
+  explicit NumberFunction(const MRBUnicodeString& functionName)
+      : KVLCodeFunction(functionName, NbArgs) {}
+
+ private:
+  static constexpr int NbArgs = sizeof...(Args);
+  using Values = KVLVector<KVLSmartPtr<KVLCodeValue>>;
+
+  class Caller final : public KVLCodeFunctionCaller {
+   public:
+    Caller(const NumberFunction& called, const KVLCodeContext& callContext)
+        : KVLCodeFunctionCaller(called, callContext) {
+      args.Swap(called.spareArgs);
+      if (!TakeUp(std::index_sequence_for<Args...>())) {
+        args.Resize(0);
+        args.Reserve(NbArgs);
+        int i = 0;
+        (args.Append(KVLSmartPtr<KVLCodeValue>(new Args(called.GetParam(i++).name))), ...);
+      }
+    }
+    Caller(const Caller&) = delete;
+    Caller& operator=(const Caller&) = delete;
+    ~Caller() override {
+      const NumberFunction& called = GetCalled();
+      args.Swap(called.spareArgs);
+      // A function that dies with its last caller keeps nothing.
+      Header(this) = called.GetNbReferences() > 1 && !called.spareBlock ? &called : nullptr;
+    }
+
+    static void* operator new(std::size_t size, const NumberFunction& called) {
+      void* block = called.spareBlock;
+      if (block) {
+        called.spareBlock = nullptr;
+      } else {
+        block = ::operator new(HeaderSize + size);
+      }
+      return static_cast<char*>(block) + HeaderSize;
+    }
+    static void operator delete(void* caller) {
+      void* const block = static_cast<char*>(caller) - HeaderSize;
+      if (const NumberFunction* const keeper = Header(caller)) {
+        keeper->spareBlock = block;
+      } else {
+        ::operator delete(block);
+      }
+    }
+    static void operator delete(void* caller, const NumberFunction&) {
+      ::operator delete(static_cast<char*>(caller) - HeaderSize);
+    }
+
+   protected:
+    KVLSmartPtr<KVLCodeValue> CallInternal() override {
+      const auto number = Call(std::index_sequence_for<Args...>());
+      KVLSmartPtr<Result>& result = GetCalled().result;
+      // Only the function and, from its last call, this caller know the value.
+      if (!result || result->GetNbReferences() > (returnedValue == result ? 2 : 1)) {
+        result = new Result(MRBUnicodeString());
+      }
+      result->SetNumber(number);
+      return result;
+    }
+
+   private:
+    static constexpr std::size_t HeaderSize = alignof(std::max_align_t);
+
+    static const NumberFunction*& Header(void* caller) {
+      return *reinterpret_cast<const NumberFunction**>(static_cast<char*>(caller) - HeaderSize);
+    }
+    const NumberFunction& GetCalled() const {
+      return static_cast<const NumberFunction&>(*function);
+    }
+    template <std::size_t... I>
+    bool TakeUp(std::index_sequence<I...>) {
+      if (args.IsEmpty() || (args[I]->GetNbReferences() > 1 || ...)) return false;
+      (static_cast<Args&>(*args[I]).SetNumber({}), ...);
+      return true;
+    }
+    template <std::size_t... I>
+    auto Call(std::index_sequence<I...>) const {
+      return Function::Compute(static_cast<const Args&>(*args[I]).GetNumber()...);
+    }
+  };
+
+  mutable Values spareArgs;
+  mutable KVLSmartPtr<Result> result;
+  mutable void* spareBlock = nullptr;
+};
+
+/// double add(double left, double right)
+class AddFunction final
+    : public NumberFunction<AddFunction, DoubleValue, DoubleValue, DoubleValue> {
+ public:
+  explicit AddFunction(const MRBUnicodeString& functionName) : NumberFunction(functionName) {
     params[0] = Param{"left", DoubleName, "", 1};
     params[1] = Param{"right", DoubleName, "", 1};
     returnTypeName = DoubleName;
   }
-  bool IsMethod() const override { return false; }
-  KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override {
-    return new Caller(*this, context);
-  }
-
- private:
-  class Caller final : public KVLCodeFunctionCaller {
-   public:
-    Caller(const AddFunction& add, const KVLCodeContext& callContext)
-        : KVLCodeFunctionCaller(add, callContext),
-          left(new DoubleValue(add.GetParam(0).name)),
-          right(new DoubleValue(add.GetParam(1).name)) {
-      args.Reserve(2);
-      args.Append(KVLSmartPtr<KVLCodeValue>(left));
-      args.Append(KVLSmartPtr<KVLCodeValue>(right));
-    }
-
-   protected:
-    KVLSmartPtr<KVLCodeValue> CallInternal() override {
-      return new DoubleValue(MRBUnicodeString(), left->GetNumber() + right->GetNumber());
-    }
-
-   private:
-    DoubleValue* const left;  // the two arguments
-    DoubleValue* const right;
-  };
+  static double Compute(double left, double right) { return left + right; }
 };
 
 /// double int_to_double(int from)
-class IntToDouble final : public KVLCodeFunction {
+class IntToDouble final : public NumberFunction<IntToDouble, DoubleValue, IntValue> {
  public:
-  IntToDouble() : KVLCodeFunction(DoubleName, 1) {
+  IntToDouble() : NumberFunction(DoubleName) {
     params[0] = Param{"from", IntName, "", 1};
     returnTypeName = DoubleName;
   }
-  bool IsMethod() const override { return false; }
-  KVLSmartPtr<KVLCodeFunctionCaller> CreateCaller(const KVLCodeContext& context) const override {
-    return new Caller(*this, context);
-  }
-
- private:
-  class Caller final : public KVLCodeFunctionCaller {
-   public:
-    Caller(const IntToDouble& conversion, const KVLCodeContext& callContext)
-        : KVLCodeFunctionCaller(conversion, callContext),
-          from(new IntValue(conversion.GetParam(0).name)) {
-      args.Append(KVLSmartPtr<KVLCodeValue>(from));
-    }
-
-   protected:
-    KVLSmartPtr<KVLCodeValue> CallInternal() override {
-      return new DoubleValue(MRBUnicodeString(), from->GetNumber());
-    }
-
-   private:
-    IntValue* const from;  // the argument
-  };
+  static double Compute(int from) { return from; }
 };
 
 }  // namespace kvlbench
