@@ -141,22 +141,4 @@ TEST_F(AlphaFunctions, SumConvertsEachElement) {
   EXPECT_EQ(Thrown("list/sum", {"[1, x]"}), "element 1 is no number");
 }
 
-TEST_F(AlphaFunctions, ContextAndSessionComeWithoutTheCallersHelp) {
-  const KVLSmartPtr<KVLCodeObject> object =
-      KVLCodeEnv::GetDefault().FindObject("context/describe_type");
-  ASSERT_TRUE(object && object->AsFunction());
-  EXPECT_EQ(object->ToStringCode(), "string describe_type(string type)");
-  EXPECT_EQ(Result("context/describe_type", {"int"}), "type 'int' is known, without a session");
-
-  const KVLSmartPtr<KVLCodeEnv> noTypes = new KVLCodeEnv("types");
-  KVLCodeContext context(*noTypes);
-  int session = 0;
-  context.SetSession(reinterpret_cast<KVLCodeSession*>(&session));
-  KVLVector<MRBUnicodeString> texts;
-  texts.Append("int");
-  MRBUnicodeString result;
-  EXPECT_EQ(object->AsFunction()->ParseAndCall(context, texts, result), KVLResult_Success);
-  EXPECT_EQ(result, "type 'int' is not known, with a session");
-}
-
 }  // namespace
