@@ -1,115 +1,28 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
-#if !defined(_WIN32)
-#include <sys/wait.h>
-#endif
-
+#include "KVLRunKvl.h"
 #include "KVLShellResult.h"
 
 namespace {
 
-struct Ended {
-  int exitCode;
-  std::string output;
-  std::string error;
-};
-
-std::string ScratchFile(const std::string& file) {
-  return std::string(KVL_SCRATCH) + "/" + file;
-}
-
-void Write(const std::string& path, const std::string& content) {
-  std::FILE* const file = std::fopen(path.c_str(), "wb");
-  ASSERT_NE(file, nullptr) << path;
-  ASSERT_EQ(std::fwrite(content.data(), 1, content.size(), file), content.size());
-  ASSERT_EQ(std::fclose(file), 0);
-}
-
-// A file as text: a newline is one character, however the platform writes it.
-std::string Read(const std::string& path) {
-  std::string content;
-  std::FILE* const file = std::fopen(path.c_str(), "rb");
-  if (!file) return "cannot read " + path;
-  for (int character = std::getc(file); character != EOF; character = std::getc(file)) {
-    if (character != '\r') content += static_cast<char>(character);
-  }
-  (void)std::fclose(file);
-  return content;
-}
-
-// A command-line argument for the platform's command interpreter.
-std::string Quoted(const std::string& argument) {
-  std::string quoted = "\"";
-  for (const char character : argument) {
-#if defined(_WIN32)
-    if (character == '"') quoted += '\\';
-#else
-    if (character == '"' || character == '\\' || character == '$' || character == '`') {
-      quoted += '\\';
-    }
-#endif
-    quoted += character;
-  }
-  return quoted + "\"";
-}
-
-std::string Native(std::string path) {
-#if defined(_WIN32)
-  std::replace(path.begin(), path.end(), '/', '\\');
-#endif
-  return path;
-}
-
-// Runs kvl with `arguments`, ready for the command interpreter, and `input` as standard input.
-Ended RunKvl(const std::string& arguments, const std::string& input = "") {
-  const std::string inputFile = ScratchFile("stdin.txt");
-  const std::string outputFile = ScratchFile("stdout.txt");
-  const std::string errorFile = ScratchFile("stderr.txt");
-  Write(inputFile, input);
-  std::string command = Quoted(Native(KVL_PROGRAM)) + " " + arguments + " <" +
-                        Quoted(Native(inputFile)) + " >" + Quoted(Native(outputFile)) + " 2>" +
-                        Quoted(Native(errorFile));
-#if defined(_WIN32)
-  // The interpreter takes the outermost pair of quotes for itself.
-  const int exitCode = std::system(("\"" + command + "\"").c_str());
-#else
-  const int status = std::system(command.c_str());
-  const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-#endif
-  return Ended{exitCode, Read(outputFile), Read(errorFile)};
-}
-
-Ended RunText(const std::string& text) {
-  return RunKvl("-c " + Quoted(text));
-}
-
-std::string ScriptWith(const std::string& content) {
-  const std::string path = ScratchFile("script.kvl");
-  Write(path, content);
-  return path;
-}
-
 TEST(KVLProgram, ACallTravelsThroughShellAndModuleAndBack) {
-  const Ended ended = RunText("call math/add 3.5 4.25");
+  const KVLEnded ended = RunText("call math/add 3.5 4.25");
   EXPECT_EQ(ended.output, "7.75\n");
   EXPECT_EQ(ended.error, "");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
 }
 
 TEST(KVLProgram, TheTourPrintsWhatItAlwaysPrinted) {
-  const Ended ended = RunKvl(Quoted(std::string(KVL_EXAMPLES) + "/tour.kvl"));
+  const KVLEnded ended = RunKvl(Quoted(std::string(KVL_SOURCE) + "/examples/tour.kvl"));
   EXPECT_EQ(ended.error, "");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
-  EXPECT_EQ(ended.output, Read(std::string(KVL_EXAMPLES) + "/tour.out"));
+  EXPECT_EQ(ended.output, ReadFile(std::string(KVL_SOURCE) + "/examples/tour.out"));
 }
 
 TEST(KVLProgram, AnArgumentOfTheWrongFormExitsWith4) {
-  const Ended ended = RunText("call math/add x 1");
+  const KVLEnded ended = RunText("call math/add x 1");
   EXPECT_EQ(ended.exitCode, KVLExit_Argument);
   EXPECT_EQ(ended.output, "");
   EXPECT_EQ(ended.error,
@@ -132,19 +45,19 @@ TEST(KVLProgram, AMissingOrSurplusArgumentExitsWith4) {
 }
 
 TEST(KVLProgram, ARefusedConversionExitsWith4) {
-  const Ended lossy = RunText("convert 2.5 int");
+  const KVLEnded lossy = RunText("convert 2.5 int");
   EXPECT_EQ(lossy.exitCode, KVLExit_Argument);
   EXPECT_EQ(lossy.error,
             "error: convert: '2.5' (double) is refused by the conversion to int, with 0x80070057\n"
             "  convert 2.5 int\n"
             "          ^\n");
-  const Ended missing = RunText("convert 2 Point");
+  const KVLEnded missing = RunText("convert 2 Point");
   EXPECT_EQ(missing.exitCode, KVLExit_Argument);
   EXPECT_EQ(missing.error,
             "error: convert: no conversion from int to Point\n"
             "  convert 2 Point\n"
             "            ^\n");
-  const Ended unread = RunText("convert abc double int");
+  const KVLEnded unread = RunText("convert abc double int");
   EXPECT_EQ(unread.exitCode, KVLExit_Argument);
   EXPECT_EQ(unread.error,
             "error: convert: 'abc' is no double\n"
@@ -153,13 +66,13 @@ TEST(KVLProgram, ARefusedConversionExitsWith4) {
 }
 
 TEST(KVLProgram, WhatIsNotThereExitsWith3) {
-  const Ended function = RunText("call math/ad 1 2");
+  const KVLEnded function = RunText("call math/ad 1 2");
   EXPECT_EQ(function.exitCode, KVLExit_NotFound);
   EXPECT_EQ(function.error,
             "error: no function 'math/ad': 'math/' holds no 'ad'; did you mean 'math/add'?\n"
             "  call math/ad 1 2\n"
             "       ^\n");
-  const Ended type = RunText("convert 2 doubel");
+  const KVLEnded type = RunText("convert 2 doubel");
   EXPECT_EQ(type.exitCode, KVLExit_NotFound);
   EXPECT_EQ(type.error,
             "error: convert: no type 'doubel'; did you mean 'double'?\n"
@@ -170,7 +83,7 @@ TEST(KVLProgram, WhatIsNotThereExitsWith3) {
 }
 
 TEST(KVLProgram, AFailedCallExitsWith1) {
-  const Ended ended = RunText("call math/div 1 0");
+  const KVLEnded ended = RunText("call math/div 1 0");
   EXPECT_EQ(ended.exitCode, KVLExit_No);
   EXPECT_EQ(ended.error,
             "error: math/div: division by zero\n"
@@ -189,7 +102,7 @@ TEST(KVLProgram, WhatIsNotUnderstoodExitsWith2) {
 }
 
 TEST(KVLProgram, TheRegistryOfTheShippedModulesIsInOrder) {
-  const Ended ended = RunText("check");
+  const KVLEnded ended = RunText("check");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
   EXPECT_EQ(ended.output + ended.error, "");
 }
@@ -197,7 +110,7 @@ TEST(KVLProgram, TheRegistryOfTheShippedModulesIsInOrder) {
 TEST(KVLProgram, AFileRunsLineByLineUpToTheFirstFailure) {
   const std::string script =
       ScriptWith("\xEF\xBB\xBF# comment\r\ncall math/add 1 2\r\n\r\ncall math/add 1 z\r\nls\r\n");
-  const Ended ended = RunKvl(Quoted(script));
+  const KVLEnded ended = RunKvl(Quoted(script));
   EXPECT_EQ(ended.output, "3\n");
   EXPECT_EQ(ended.exitCode, KVLExit_Argument);
   EXPECT_EQ(ended.error,
@@ -212,33 +125,33 @@ TEST(KVLProgram, TheLastLineOfAFileNeedsNoNewline) {
 }
 
 TEST(KVLProgram, AnEmptyFileDoesNothing) {
-  const Ended ended = RunKvl(Quoted(ScriptWith("")));
+  const KVLEnded ended = RunKvl(Quoted(ScriptWith("")));
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
   EXPECT_EQ(ended.output + ended.error, "");
 }
 
 TEST(KVLProgram, AQuoteMayNotSpanLines) {
   const std::string script = ScriptWith("call text/length \"a\nb\"\n");
-  const Ended ended = RunKvl(Quoted(script));
+  const KVLEnded ended = RunKvl(Quoted(script));
   EXPECT_EQ(ended.exitCode, KVLExit_Usage);
   EXPECT_NE(ended.error.find(script + ":1: "), std::string::npos) << ended.error;
 }
 
 TEST(KVLProgram, AMissingFileExitsWith3) {
-  const Ended ended = RunKvl(Quoted(ScratchFile("no such file.kvl")));
+  const KVLEnded ended = RunKvl(Quoted(ScratchFile("no such file.kvl")));
   EXPECT_EQ(ended.exitCode, KVLExit_NotFound);
   EXPECT_EQ(ended.error.find("kvl: cannot open '"), 0u) << ended.error;
 }
 
 TEST(KVLProgram, ADashMeansStandardInput) {
-  const Ended ended = RunKvl("-", "call math/add 1 2\ncall nothing\ncall math/add 3 4\n");
+  const KVLEnded ended = RunKvl("-", "call math/add 1 2\ncall nothing\ncall math/add 3 4\n");
   EXPECT_EQ(ended.output, "3\n");
   EXPECT_EQ(ended.exitCode, KVLExit_NotFound);
   EXPECT_NE(ended.error.find("<stdin>:2: stopped here (exit code 3)\n"), std::string::npos);
 }
 
 TEST(KVLProgram, WithoutArgumentsAPipeIsReadWithoutAPrompt) {
-  const Ended ended = RunKvl("", "call math/add 1 2\n");
+  const KVLEnded ended = RunKvl("", "call math/add 1 2\n");
   EXPECT_EQ(ended.output, "3\n");
   EXPECT_EQ(ended.error, "");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
@@ -250,47 +163,35 @@ TEST(KVLProgram, HostileInputIsAnswered) {
   const std::string inputs[] = {"call " + nul + "\n", "\xFF\xFE\x80\n", "call " + megabyte + "\n",
                                 "\"" + megabyte + "\n", std::string(1 << 20, '[') + "\n"};
   for (const std::string& input : inputs) {
-    const Ended ended = RunKvl("-", input);
+    const KVLEnded ended = RunKvl("-", input);
     EXPECT_TRUE(ended.exitCode == KVLExit_Usage || ended.exitCode == KVLExit_NotFound)
         << ended.exitCode;
     EXPECT_EQ(ended.error.find("error: "), 0u) << ended.error;
     EXPECT_NE(ended.error.find("<stdin>:1: stopped here"), std::string::npos) << ended.error;
   }
-  const Ended longText = RunKvl("-", "call text/length " + megabyte + "\n");
+  const KVLEnded longText = RunKvl("-", "call text/length " + megabyte + "\n");
   EXPECT_EQ(longText.output, "1048576\n");
-  const Ended deepList =
+  const KVLEnded deepList =
       RunKvl("-", "call list/size " + std::string(200000, '[') + std::string(200000, ']') + "\n");
   EXPECT_EQ(deepList.exitCode, KVLExit_Argument);
 }
 
-TEST(KVLProgram, LoadReportsAreShownOnRequestOnly) {
-  EXPECT_EQ(RunText("ls math").error, "");
-  const Ended ended = RunKvl("--verbose -c " + Quoted("call math/add 1 2"));
-  EXPECT_EQ(ended.output, "3\n");
-  EXPECT_EQ(ended.exitCode, KVLExit_Done);
-  EXPECT_NE(ended.error.find(
-                "kvl: KVLCodeEnvAccessImpl::Load : Failed to load module 'KVLCodeEnv_Lambda'.\n"),
-            std::string::npos)
-      << ended.error;
-  EXPECT_EQ(ended.error.find("KVLCodeEnv_Alpha"), std::string::npos) << ended.error;
-}
-
 TEST(KVLProgram, HelpBeginsWithExamples) {
-  const Ended ended = RunKvl("--help");
+  const KVLEnded ended = RunKvl("--help");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
-  EXPECT_EQ(ended.output.find("Examples:\n  kvl -c "), 0u) << ended.output;
+  EXPECT_EQ(ended.output.find("Examples:\n  kvl "), 0u) << ended.output;
   EXPECT_EQ(ended.error, "");
 }
 
 TEST(KVLProgram, TheVersionIsPrinted) {
-  const Ended ended = RunKvl("--version");
+  const KVLEnded ended = RunKvl("--version");
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
   EXPECT_EQ(ended.output, "kvl " KVL_VERSION "\n");
 }
 
 TEST(KVLProgram, ACommandLineThatIsNotUnderstoodExitsWith2) {
   for (const char* const arguments : {"--bogus", "-z", "-c", "one two", "-c ls file"}) {
-    const Ended ended = RunKvl(arguments);
+    const KVLEnded ended = RunKvl(arguments);
     EXPECT_EQ(ended.exitCode, KVLExit_Usage) << arguments;
     EXPECT_EQ(ended.output, "") << arguments;
     EXPECT_EQ(ended.error.find("kvl: "), 0u) << ended.error;
