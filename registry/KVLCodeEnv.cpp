@@ -3,63 +3,28 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <type_traits>
 #include <utility>
 
-#include "KVLHashMap.h"
 #include "KVLIterCursors.h"
+#include "KVLKnownPaths.h"
+#include "KVLNameTable.h"
 #include "KVLProcessState.h"
+#include "KVLSplitPath.h"
 
 namespace {
 
 template <class Object>
-using Table = KVLHashMap<MRBUnicodeString, KVLSmartPtr<Object>>;
-using SubEnvTable = Table<KVLCodeEnv>;
+using Table = KVLNameTable<KVLSmartPtr<Object>>;
 
 template <class Object>
 using Named = KVLKeyValue<MRBUnicodeString, KVLSmartPtr<Object>>;
 template <class Object>
 using NamedIter = KVLIter<Named<Object>>;
 
-constexpr char Separator = '/';
-
-/// A stretch of a path, compared and hashed as the string of its bytes would be.
-struct PathSlice {
-  const char* text;
-  int length;
-
-  unsigned int ComputeHashKey() const { return MRBUnicodeString::ComputeHashKey(text, length); }
-  bool operator==(const MRBUnicodeString& string) const {
-    return length == string.GetLengthInByte() &&
-           std::memcmp(text, string.ConvertToChar(), static_cast<std::size_t>(length)) == 0;
-  }
-};
-
-bool operator==(const MRBUnicodeString& string, const PathSlice& slice) {
-  return slice == string;
+MRBUnicodeString StringOf(const KVLName& name) {
+  return MRBUnicodeString(name.text, static_cast<int>(name.length));
 }
-
-PathSlice SliceOf(const MRBUnicodeString& path) {
-  return PathSlice{path.ConvertToChar(), path.GetLengthInByte()};
-}
-
-MRBUnicodeString StringOf(const PathSlice& slice) {
-  return MRBUnicodeString(slice.text, slice.length);
-}
-
-/// A path cut at its last separator.
-struct SplitPath {
-  explicit SplitPath(const MRBUnicodeString& path) : env{path.ConvertToChar(), 0} {
-    const PathSlice whole = SliceOf(path);
-    int nameStart = whole.length;
-    while (nameStart > 0 && whole.text[nameStart - 1] != Separator)
-      --nameStart;
-    env.length = nameStart > 0 ? nameStart - 1 : 0;
-    name = PathSlice{whole.text + nameStart, whole.length - nameStart};
-  }
-
-  PathSlice env;   // before the last separator; empty when there is none
-  PathSlice name;  // after it
-};
 
 MRBUnicodeString FirstRegistration(const KVLCodeObject& object) {
   const KVLVector<KVLSourceLocation>& locations = object.GetRegistrationLocations();
@@ -81,27 +46,59 @@ struct AggregationPath {
 
 }  // namespace
 
-/// The tables of an environment. Zero-filled memory is an empty record.
+/// The tables of an environment.
 struct KVLCodeEnvImpl {
-  static KVLCodeEnvImpl* Create();
+  explicit KVLCodeEnvImpl(KVLCodeEnv& owner) : env(&owner) {}
+
+  static KVLCodeEnvImpl* Create(KVLCodeEnv& owner);
   static void Destroy(KVLCodeEnvImpl* impl);
 
   bool IsEmpty() const {
-    return aggregatedEnvs.IsEmpty() && subEnvs.GetCount() == 0 && objects.GetCount() == 0;
+    return aggregatedEnvs.IsEmpty() && subEnvs.IsEmpty() && objects.IsEmpty();
   }
   void LetAllGo();
+  void ForgetPaths();
 
-  static KVLCodeEnv& GetSubEnv(const KVLCodeEnv& env, PathSlice path);
+  KVLCodeEnvImpl& GetSub(const KVLName& path, bool isToBeKnown) {
+    if (path.length == 0) return *this;
+    const KVLKnownPaths::Slot* const known = knownPaths.Find(path);
+    return known ? knownPaths.GetEnv(*known) : Walk(path, isToBeKnown);
+  }
+  KVLCodeEnvImpl& Walk(const KVLName& path, bool isToBeKnown);
+
+  void AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCodeObject& object);
+
   template <class Object>
-  static KVLSmartPtr<Object> Find(const KVLCodeEnv& env, const MRBUnicodeString& path,
-                                  Table<Object> KVLCodeEnvImpl::*table);
+  KVLSmartPtr<Object> Find(const KVLSplitPath& path, Table<Object> KVLCodeEnvImpl::*table) {
+    if (const KVLSmartPtr<Object>* const found = FindOwn(path, table)) return *found;
+    return aggregatedEnvs.IsEmpty() ? nullptr : FindAggregated(path, table);
+  }
+  template <class Object>
+  const KVLSmartPtr<Object>* FindOwn(const KVLSplitPath& path,
+                                     Table<Object> KVLCodeEnvImpl::*table) {
+    if constexpr (std::is_same_v<Object, KVLCodeObject>) {
+      const KVLKnownPaths::Slot* const known = knownPaths.Find(path.env);
+      if (known && !known->objects.IsNone()) return known->objects.Find(path.name);
+    }
+    return (GetSub(path.env, false).*table).Find(path.name);
+  }
+  template <class Object>
+  KVLSmartPtr<Object> FindAggregated(const KVLSplitPath& path,
+                                     Table<Object> KVLCodeEnvImpl::*table);
+
   template <class Object>
   static NamedIter<Object> Iterate(const KVLCodeEnv& env, const AggregationPath* up,
                                    Table<Object> KVLCodeEnvImpl::*table);
 
   Table<KVLCodeObject> objects;
-  SubEnvTable subEnvs;
+  Table<KVLCodeEnv> subEnvs;
+  // Paths to environments below; the first environment that knows this one so is told where its
+  // objects are. A path is forgotten before a child on its way can go.
+  KVLKnownPaths knownPaths;
+  KVLCodeEnvImpl* knownTo = nullptr;
+  std::uint64_t knownHash = 0;
   KVLVector<KVLSmartPtr<KVLCodeEnv>> aggregatedEnvs;
+  KVLCodeEnv* env;                        // dead when the record waits for its destruction
   bool isBeingSearched = false;           // set while its aggregated environments are
   KVLCodeEnvImpl* nextWaiting = nullptr;  // links records that wait for their destruction
 };
@@ -158,10 +155,10 @@ KVLCodeEnv& GetRoot(KVLSmartPtr<KVLCodeEnv>& root, const char* name) {
 
 }  // namespace
 
-KVLCodeEnvImpl* KVLCodeEnvImpl::Create() {
-  void* const block = std::calloc(1, sizeof(KVLCodeEnvImpl));
+KVLCodeEnvImpl* KVLCodeEnvImpl::Create(KVLCodeEnv& owner) {
+  void* const block = std::malloc(sizeof(KVLCodeEnvImpl));
   if (!block) throw std::bad_alloc();
-  return ::new (block) KVLCodeEnvImpl();
+  return ::new (block) KVLCodeEnvImpl(owner);
 }
 
 // Environments may lie one below the other in any number, and each destroys those below it: from
@@ -203,43 +200,74 @@ void KVLCodeEnvImpl::Destroy(KVLCodeEnvImpl* impl) {
 void KVLCodeEnvImpl::LetAllGo() {
   while (!IsEmpty()) {
     LetGo(aggregatedEnvs);
+    ForgetPaths();
     LetGo(subEnvs);
     LetGo(objects);
   }
 }
 
-KVLCodeEnv& KVLCodeEnvImpl::GetSubEnv(const KVLCodeEnv& env, PathSlice path) {
-  // Tables change through const environments: a lookup creates what its path names.
-  KVLCodeEnv* current = const_cast<KVLCodeEnv*>(&env);
+void KVLCodeEnvImpl::ForgetPaths() {
+  for (const KVLKnownPaths::Known& known : knownPaths) {
+    if (known.env->knownTo == this) known.env->knownTo = nullptr;
+  }
+  LetGo(knownPaths);
+}
+
+// Name by name; makes the environments that are missing.
+KVLCodeEnvImpl& KVLCodeEnvImpl::Walk(const KVLName& path, bool isToBeKnown) {
+  // A path written with further separators may be known in its plain form alone: there are no more
+  // of those than there are environments.
+  constexpr std::size_t LongestKnown = 128;
+  bool isPlain = path.length <= LongestKnown;
+
+  KVLCodeEnvImpl* current = this;
   const char* const end = path.text + path.length;
-  for (const char* start = path.text; start < end;) {
+  for (const char* start = path.text; start <= end;) {
     const void* const separator =
-        std::memchr(start, Separator, static_cast<std::size_t>(end - start));
+        std::memchr(start, KVLPathSeparator, static_cast<std::size_t>(end - start));
     const char* const stop = separator ? static_cast<const char*>(separator) : end;
-    const PathSlice head{start, static_cast<int>(stop - start)};
+    const KVLName head(start, static_cast<std::size_t>(stop - start));
     start = stop + 1;
-    if (head.length == 0) continue;
-    SubEnvTable& subEnvs = current->impl->subEnvs;
-    KVLSmartPtr<KVLCodeEnv>* child = subEnvs.FindAs(head);
-    if (!child) child = &subEnvs.Insert(StringOf(head), KVLSmartPtr<KVLCodeEnv>());
-    if (child->IsNull()) *child = new KVLCodeEnv(StringOf(head));
-    current = child->Get();
+    if (head.length == 0) {
+      isPlain = false;
+      continue;
+    }
+    Table<KVLCodeEnv>& children = current->subEnvs;
+    KVLSmartPtr<KVLCodeEnv>* child = children.Find(head);
+    if (!child) child = &children.Insert(StringOf(head), head.hash, KVLSmartPtr<KVLCodeEnv>());
+    if (child->IsNull()) {
+      *child = new KVLCodeEnv(StringOf(head));
+      isToBeKnown = true;
+    }
+    current = (*child)->impl;
+  }
+  if (!isToBeKnown || !isPlain) return *current;
+  const bool isFirst = !current->knownTo;
+  knownPaths.Add(path, *current,
+                 isFirst ? current->objects.GetStorage() : KVLKnownPaths::Objects());
+  if (isFirst) {
+    current->knownTo = this;
+    current->knownHash = path.hash;
   }
   return *current;
 }
 
-template <class Object>
-KVLSmartPtr<Object> KVLCodeEnvImpl::Find(const KVLCodeEnv& env, const MRBUnicodeString& path,
-                                         Table<Object> KVLCodeEnvImpl::*table) {
-  const SplitPath split(path);
-  const Table<Object>& own = GetSubEnv(env, split.env).impl->*table;
-  if (const KVLSmartPtr<Object>* found = own.FindAs(split.name)) return *found;
+// For a name that is absent.
+void KVLCodeEnvImpl::AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCodeObject& object) {
+  const KVLKnownPaths::Objects former = objects.GetStorage();
+  objects.Insert(std::move(name), hash, KVLSmartPtr<KVLCodeObject>(&object));
+  if (knownTo && objects.GetStorage() != former) {
+    knownTo->knownPaths.SetObjects(knownHash, *this, objects.GetStorage());
+  }
+}
 
-  KVLCodeEnvImpl& impl = *env.impl;
-  if (impl.aggregatedEnvs.IsEmpty() || impl.isBeingSearched) return nullptr;
-  const SearchMark mark(impl);
-  for (const KVLSmartPtr<KVLCodeEnv>& aggregated : impl.aggregatedEnvs) {
-    KVLSmartPtr<Object> found = Find(*aggregated, path, table);
+template <class Object>
+KVLSmartPtr<Object> KVLCodeEnvImpl::FindAggregated(const KVLSplitPath& path,
+                                                   Table<Object> KVLCodeEnvImpl::*table) {
+  if (isBeingSearched) return nullptr;
+  const SearchMark mark(*this);
+  for (const KVLSmartPtr<KVLCodeEnv>& aggregated : aggregatedEnvs) {
+    KVLSmartPtr<Object> found = aggregated->impl->Find(path, table);
     if (found) return found;
   }
   return nullptr;
@@ -270,7 +298,7 @@ NamedIter<Object> KVLCodeEnvImpl::Iterate(const KVLCodeEnv& env, const Aggregati
 KVLCodeEnv::KVLCodeEnv() : KVLCodeEnv(MRBUnicodeString()) {}
 
 KVLCodeEnv::KVLCodeEnv(const MRBUnicodeString& envName)
-    : KVLCodeObject(envName), impl(KVLCodeEnvImpl::Create()) {}
+    : KVLCodeObject(envName), impl(KVLCodeEnvImpl::Create(*this)) {}
 
 KVLCodeEnv::~KVLCodeEnv() {
   KVLCodeEnvImpl::Destroy(impl);
@@ -287,14 +315,15 @@ const KVLCodeEnv* KVLCodeEnv::AsEnv() const {
 long KVLCodeEnv::Add(KVLCodeObject& object, const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, object, objectName);
-  if (const KVLSmartPtr<KVLCodeObject>* first = env.impl->objects.Find(objectName)) {
+  const KVLName wanted(objectName);
+  if (const KVLSmartPtr<KVLCodeObject>* first = env.impl->objects.Find(wanted)) {
     env.messages.Append("Tried to add two times object with name '" + objectName +
                         "'. First (effective) registration done at '" + FirstRegistration(**first) +
                         "'. Second (uneffective) registration done at '" +
                         FirstRegistration(object) + "'.");
     return KVLResult_Failure;
   }
-  env.impl->objects.Insert(objectName, KVLSmartPtr<KVLCodeObject>(&object));
+  env.impl->AddObject(std::move(objectName), wanted.hash, object);
   return KVLResult_Success;
 }
 
@@ -305,25 +334,30 @@ long KVLCodeEnv::Add(KVLSmartPtr<KVLCodeObject> object, const MRBUnicodeString& 
 long KVLCodeEnv::Remove(KVLCodeObject& object, const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, object, objectName);
-  return env.impl->objects.Remove(objectName, &object) ? KVLResult_Success : KVLResult_Failure;
+  const bool removed = env.impl->objects.Remove(
+      KVLName(objectName),
+      [&object](const KVLSmartPtr<KVLCodeObject>& held) { return held == &object; });
+  return removed ? KVLResult_Success : KVLResult_Failure;
 }
 
 long KVLCodeEnv::Remove(const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, objectName);
-  return env.impl->objects.Remove(objectName) ? KVLResult_Success : KVLResult_Failure;
+  const bool removed = env.impl->objects.Remove(
+      KVLName(objectName), [](const KVLSmartPtr<KVLCodeObject>&) { return true; });
+  return removed ? KVLResult_Success : KVLResult_Failure;
 }
 
 KVLSmartPtr<KVLCodeObject> KVLCodeEnv::FindObject(const MRBUnicodeString& path) const {
-  return KVLCodeEnvImpl::Find(*this, path, &KVLCodeEnvImpl::objects);
+  return impl->Find(KVLSplitPath(path), &KVLCodeEnvImpl::objects);
 }
 
 KVLSmartPtr<KVLCodeEnv> KVLCodeEnv::FindSubEnv(const MRBUnicodeString& path) const {
-  return KVLCodeEnvImpl::Find(*this, path, &KVLCodeEnvImpl::subEnvs);
+  return impl->Find(KVLSplitPath(path), &KVLCodeEnvImpl::subEnvs);
 }
 
 KVLCodeEnv& KVLCodeEnv::GetSubEnv(const MRBUnicodeString& path) const {
-  return KVLCodeEnvImpl::GetSubEnv(*this, SliceOf(path));
+  return *impl->GetSub(KVLName(path), false).env;
 }
 
 long KVLCodeEnv::AggregateEnv(KVLCodeEnv& env) {
@@ -371,9 +405,9 @@ KVLCodeEnv& KVLCodeEnv::GetDefaultConversionsRoot() {
 
 KVLCodeEnv& KVLCodeEnv::GetLocalEnvAndName(const MRBUnicodeString& path,
                                            MRBUnicodeString& localName) const {
-  const SplitPath split(path);
+  const KVLSplitPath split(path);
   localName = StringOf(split.name);
-  return KVLCodeEnvImpl::GetSubEnv(*this, split.env);
+  return *impl->GetSub(split.env, true).env;
 }
 
 KVLCodeEnv& KVLCodeEnv::GetLocalEnvAndName(const MRBUnicodeString& path,

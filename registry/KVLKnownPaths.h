@@ -1,0 +1,84 @@
+#ifndef KVL_KNOWN_PATHS_H
+#define KVL_KNOWN_PATHS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "KVLCodeObject.h"
+#include "KVLNameTable.h"
+#include "KVLVector.h"
+
+struct KVLCodeEnvImpl;
+
+/// The environments that an environment has reached by paths before: one look here instead of one
+/// a name. A path leads where it led as long as the environment keeps its children.
+///
+/// Beside each path lies the storage of the objects of its environment, so that a lookup goes on
+/// without a touch of the environment itself; `SetObjects` has to keep it up to date.
+class KVLKnownPaths {
+ public:
+  using Objects = KVLNameStorage<KVLSmartPtr<KVLCodeObject>>;
+
+  struct Known {
+    MRBUnicodeString path;
+    KVLCodeEnvImpl* env;  // borrowed
+  };
+  struct Slot {
+    std::uint32_t tag;    // the low half of the hash
+    std::uint32_t known;  // the number of the path, from 1; 0 in a free slot
+    Objects objects;      // none where they are not told
+  };
+
+  KVLKnownPaths() noexcept = default;
+  KVLKnownPaths(const KVLKnownPaths&) = delete;
+  KVLKnownPaths& operator=(const KVLKnownPaths&) = delete;
+  ~KVLKnownPaths() { std::free(slots); }
+
+  void Swap(KVLKnownPaths& other) noexcept {
+    known.Swap(other.known);
+    std::swap(slots, other.slots);
+    std::swap(log2, other.log2);
+  }
+
+  const Known* begin() const { return known.begin(); }
+  const Known* end() const { return known.end(); }
+
+  /// What is known of a path (borrowed until one is added), or null.
+  const Slot* Find(const KVLName& path) const {
+    if (!slots) return nullptr;
+    for (std::size_t place = FirstPlaceOf(path.hash);; place = NextPlace(place)) {
+      const Slot& slot = slots[place];
+      if (slot.tag == TagOf(path.hash) && slot.known != 0 &&
+          path == known.GetData()[slot.known - 1].path) {
+        return &slot;
+      }
+      if (slot.known == 0) return nullptr;
+    }
+  }
+  KVLCodeEnvImpl& GetEnv(const Slot& slot) const { return *known.GetData()[slot.known - 1].env; }
+
+  /// Adds a path that is not known.
+  void Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects);
+
+  /// Tells the objects of an environment that is known by a path of that hash.
+  void SetObjects(std::uint64_t hash, const KVLCodeEnvImpl& env, const Objects& objects);
+
+ private:
+  static std::uint32_t TagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash); }
+
+  std::size_t GetNbSlots() const { return std::size_t{1} << log2; }
+  std::size_t FirstPlaceOf(std::uint64_t hash) const {
+    return static_cast<std::size_t>(hash >> (64 - log2));
+  }
+  std::size_t NextPlace(std::size_t place) const { return (place + 1) & (GetNbSlots() - 1); }
+
+  void Enter(std::uint64_t hash, const Slot& slot);
+  void Grow();
+
+  Slot* slots = nullptr;
+  unsigned int log2 = 0;  // of the number of slots
+  KVLVector<Known> known;
+};
+
+#endif
