@@ -6,7 +6,11 @@ void KVLKnownPaths::Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects&
   // A free slot for each three that are taken.
   const std::size_t count = static_cast<std::size_t>(known.GetCount());
   if (!slots || count >= GetNbSlots() / 4 * 3) Grow();
-  known.Append(Known{MRBUnicodeString(path.text, static_cast<int>(path.length)), &env});
+  const int start = texts.GetCount();
+  texts.Resize(start + static_cast<int>(path.length));
+  std::memcpy(&texts[start], path.text, path.length);
+  known.Append(
+      Known{&env, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(path.length)});
   Enter(path.hash, Slot{TagOf(path.hash), static_cast<std::uint32_t>(count + 1), objects});
 }
 
@@ -35,7 +39,8 @@ void KVLKnownPaths::Grow() {
   log2 = log2OfFresh;
   for (std::size_t i = 0; i < nbFormer; ++i) {
     if (former[i].known == 0) continue;
-    Enter(KVLName(known[static_cast<int>(former[i].known) - 1].path).hash, former[i]);
+    const Known& moved = known[static_cast<int>(former[i].known) - 1];
+    Enter(KVLName(texts.GetData() + moved.start, moved.length).hash, former[i]);
   }
   std::free(former);
 }

@@ -21,8 +21,9 @@ class KVLKnownPaths {
   using Objects = KVLNameStorage<KVLSmartPtr<KVLCodeObject>>;
 
   struct Known {
-    MRBUnicodeString path;
     KVLCodeEnvImpl* env;  // borrowed
+    std::uint32_t start;  // of the path, among the texts
+    std::uint32_t length;
   };
   struct Slot {
     std::uint32_t tag;    // the low half of the hash
@@ -37,6 +38,7 @@ class KVLKnownPaths {
 
   void Swap(KVLKnownPaths& other) noexcept {
     known.Swap(other.known);
+    texts.Swap(other.texts);
     std::swap(slots, other.slots);
     std::swap(log2, other.log2);
   }
@@ -49,11 +51,8 @@ class KVLKnownPaths {
     if (!slots) return nullptr;
     for (std::size_t place = FirstPlaceOf(path.hash);; place = NextPlace(place)) {
       const Slot& slot = slots[place];
-      if (slot.tag == TagOf(path.hash) && slot.known != 0 &&
-          path == known.GetData()[slot.known - 1].path) {
-        return &slot;
-      }
       if (slot.known == 0) return nullptr;
+      if (slot.tag == TagOf(path.hash) && IsPathOf(slot, path)) return &slot;
     }
   }
   KVLCodeEnvImpl& GetEnv(const Slot& slot) const { return *known.GetData()[slot.known - 1].env; }
@@ -73,12 +72,18 @@ class KVLKnownPaths {
   }
   std::size_t NextPlace(std::size_t place) const { return (place + 1) & (GetNbSlots() - 1); }
 
+  bool IsPathOf(const Slot& slot, const KVLName& path) const {
+    const Known& candidate = known.GetData()[slot.known - 1];
+    return path.Is(texts.GetData() + candidate.start, candidate.length);
+  }
+
   void Enter(std::uint64_t hash, const Slot& slot);
   void Grow();
 
   Slot* slots = nullptr;
   unsigned int log2 = 0;  // of the number of slots
   KVLVector<Known> known;
+  KVLVector<char> texts;  // of all paths, one behind the other
 };
 
 #endif

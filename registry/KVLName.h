@@ -19,8 +19,10 @@ struct KVLName {
       : KVLName(string.ConvertToChar(), static_cast<std::size_t>(string.GetLengthInByte())) {}
 
   bool operator==(const MRBUnicodeString& string) const {
-    return length == static_cast<std::size_t>(string.GetLengthInByte()) &&
-           AreSame(text, string.ConvertToChar(), length);
+    return Is(string.ConvertToChar(), static_cast<std::size_t>(string.GetLengthInByte()));
+  }
+  bool Is(const char* other, std::size_t count) const {
+    return length == count && AreSame(text, other, count);
   }
 
   const char* text;

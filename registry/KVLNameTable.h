@@ -16,7 +16,8 @@
 /// A block of the heap holds places for entries, a power of two, and behind them an index of twice
 /// as many slots, which is searched from a slot that the hash chooses to the first free one. A slot
 /// holds the place of an entry and, in the bits above, part of the entry's hash: a search reads one
-/// entry, mostly, and none when the name is absent.
+/// entry, mostly, and none when the name is absent. Slots are of two bytes as long as these hold a
+/// place and eight bits of the hash, else of four.
 template <class V>
 class KVLNameStorage {
  public:
@@ -30,10 +31,10 @@ class KVLNameStorage {
   static constexpr unsigned int MostLog2 = 28;
 
   static constexpr std::uint32_t NoSlot = 0xFFFFFFFFu;
-  // What a slot holds: nothing, an entry that was removed, or this bit with an entry.
+  // What a slot holds that leads to no entry: nothing, or what is left of one. With an entry, its
+  // highest bit is set.
   static constexpr std::uint32_t Free = 0;
   static constexpr std::uint32_t Removed = 1;
-  static constexpr std::uint32_t Taken = 0x80000000u;
 
   constexpr KVLNameStorage() noexcept : word(0) {}
   KVLNameStorage(Entry* entries, unsigned int log2OfPlaces)
@@ -44,9 +45,6 @@ class KVLNameStorage {
   bool IsNone() const { return word == 0; }
 
   Entry* GetEntries() const { return reinterpret_cast<Entry*>(word & ~(Alignment - 1)); }
-  std::uint32_t* GetIndex() const {
-    return reinterpret_cast<std::uint32_t*>(GetEntries() + (std::size_t{1} << GetLog2()));
-  }
   unsigned int GetLog2() const { return static_cast<unsigned int>(word & (Alignment - 1)); }
   std::uint32_t GetNbPlaces() const { return std::uint32_t{1} << GetLog2(); }
   std::uint32_t GetNbSlots() const { return std::uint32_t{2} << GetLog2(); }
@@ -57,16 +55,57 @@ class KVLNameStorage {
     return static_cast<std::uint32_t>(hash >> (63 - GetLog2()));
   }
   std::uint32_t NextSlot(std::uint32_t slot) const { return (slot + 1) & (GetNbSlots() - 1); }
-  /// What a slot holds for a hash, but for the place.
-  std::uint32_t TagOf(std::uint64_t hash) const {
-    return Taken | (static_cast<std::uint32_t>(hash) & ~GetPlaceMask());
+
+  /// What the slot of an entry holds.
+  std::uint32_t ContentFor(std::uint64_t hash, std::uint32_t place) const {
+    return place | (HasNarrowSlots() ? TagOf<Narrow>(hash) : TagOf<Wide>(hash));
   }
+  std::uint32_t GetContent(std::uint32_t slot) const {
+    return HasNarrowSlots() ? GetIndex<Narrow>()[slot] : GetIndex<Wide>()[slot];
+  }
+  void SetContent(std::uint32_t slot, std::uint32_t content) const {
+    if (HasNarrowSlots()) {
+      GetIndex<Narrow>()[slot] = static_cast<Narrow>(content);
+    } else {
+      GetIndex<Wide>()[slot] = content;
+    }
+  }
+  std::size_t GetBytesOfIndex() const {
+    return GetNbSlots() * (HasNarrowSlots() ? sizeof(Narrow) : sizeof(Wide));
+  }
+  void ClearIndex() const { std::memset(GetIndex<char>(), 0, GetBytesOfIndex()); }
 
   /// The slot of that name, or `NoSlot`. There must be a storage.
   std::uint32_t SlotOf(const KVLName& name) const {
-    const std::uint32_t* const index = GetIndex();
+    return HasNarrowSlots() ? Search<Narrow>(name) : Search<Wide>(name);
+  }
+
+  /// The value of that name, or null. There must be a storage.
+  V* Find(const KVLName& name) const {
+    const std::uint32_t slot = SlotOf(name);
+    return slot == NoSlot ? nullptr : &GetEntries()[GetContent(slot) & GetPlaceMask()].value;
+  }
+
+ private:
+  using Narrow = std::uint16_t;
+  using Wide = std::uint32_t;
+
+  bool HasNarrowSlots() const { return GetLog2() <= 7; }
+  template <class Slot>
+  Slot* GetIndex() const {
+    return reinterpret_cast<Slot*>(GetEntries() + GetNbPlaces());
+  }
+  template <class Slot>
+  Slot TagOf(std::uint64_t hash) const {
+    constexpr std::uint32_t Taken = std::uint32_t{1} << (8 * sizeof(Slot) - 1);
+    return static_cast<Slot>((static_cast<std::uint32_t>(hash) | Taken) & ~GetPlaceMask());
+  }
+
+  template <class Slot>
+  std::uint32_t Search(const KVLName& name) const {
+    const Slot* const index = GetIndex<Slot>();
     const std::uint32_t placeMask = GetPlaceMask();
-    const std::uint32_t tag = TagOf(name.hash);
+    const std::uint32_t tag = TagOf<Slot>(name.hash);
     for (std::uint32_t slot = FirstSlotOf(name.hash);; slot = NextSlot(slot)) {
       const std::uint32_t content = index[slot];
       if ((content & ~placeMask) == tag) {
@@ -77,13 +116,6 @@ class KVLNameStorage {
     }
   }
 
-  /// The value of that name, or null. There must be a storage.
-  V* Find(const KVLName& name) const {
-    const std::uint32_t slot = SlotOf(name);
-    return slot == NoSlot ? nullptr : &GetEntries()[GetIndex()[slot] & GetPlaceMask()].value;
-  }
-
- private:
   std::uintptr_t word;  // the address of the entries, and the logarithm in the bits that it leaves
 };
 
@@ -147,7 +179,7 @@ class KVLNameTable {
     if (storage.IsNone()) return false;
     const std::uint32_t slot = storage.SlotOf(name);
     if (slot == Storage::NoSlot) return false;
-    const std::uint32_t place = storage.GetIndex()[slot] & storage.GetPlaceMask();
+    const std::uint32_t place = storage.GetContent(slot) & storage.GetPlaceMask();
     Entry* const entry = storage.GetEntries() + place;
     if (!accept(entry->value)) return false;
     alignas(Entry) char removed[sizeof(Entry)];
@@ -172,46 +204,41 @@ class KVLNameTable {
 
   // Makes the first slot without an entry lead to the place.
   void Enter(std::uint64_t hash, std::uint32_t place) {
-    std::uint32_t* const index = storage.GetIndex();
     std::uint32_t slot = storage.FirstSlotOf(hash);
-    while (index[slot] & Storage::Taken)
+    while (storage.GetContent(slot) > Storage::Removed)
       slot = storage.NextSlot(slot);
-    if (index[slot] == Storage::Free) ++nbUsed;
-    index[slot] = storage.TagOf(hash) | place;
+    if (storage.GetContent(slot) == Storage::Free) ++nbUsed;
+    storage.SetContent(slot, storage.ContentFor(hash, place));
   }
 
   // A slot in front of a free one is free again itself; another must not end searches.
   void EmptySlot(std::uint32_t slot) {
-    std::uint32_t* const index = storage.GetIndex();
-    const bool endsSearches = index[storage.NextSlot(slot)] == Storage::Free;
-    index[slot] = endsSearches ? Storage::Free : Storage::Removed;
+    const bool endsSearches = storage.GetContent(storage.NextSlot(slot)) == Storage::Free;
+    storage.SetContent(slot, endsSearches ? Storage::Free : Storage::Removed);
     if (endsSearches) --nbUsed;
-  }
-
-  // Of an entry that is there.
-  std::uint32_t SlotOfPlace(std::uint32_t place) const {
-    const std::uint64_t hash = KVLName(storage.GetEntries()[place].key).hash;
-    const std::uint32_t content = storage.TagOf(hash) | place;
-    std::uint32_t slot = storage.FirstSlotOf(hash);
-    while (storage.GetIndex()[slot] != content)
-      slot = storage.NextSlot(slot);
-    return slot;
   }
 
   void MoveLastTo(std::uint32_t place) {
     const std::uint32_t last = static_cast<std::uint32_t>(count);
     if (place == last) return;
-    storage.GetIndex()[SlotOfPlace(last)] += place - last;
-    MoveBits(storage.GetEntries() + place, storage.GetEntries() + last, 1);
+    const Entry* const entry = storage.GetEntries() + last;
+    const std::uint64_t hash = KVLName(entry->key).hash;
+    std::uint32_t slot = storage.FirstSlotOf(hash);
+    while (storage.GetContent(slot) != storage.ContentFor(hash, last))
+      slot = storage.NextSlot(slot);
+    storage.SetContent(slot, storage.ContentFor(hash, place));
+    MoveBits(storage.GetEntries() + place, entry, 1);
   }
 
   void CloseGap(std::uint32_t place) {
     Entry* const entry = storage.GetEntries() + place;
     MoveBits(entry, entry + 1, static_cast<std::size_t>(count) - place);
-    std::uint32_t* const index = storage.GetIndex();
     for (std::uint32_t slot = 0; slot < storage.GetNbSlots(); ++slot) {
-      const bool isTaken = (index[slot] & Storage::Taken) != 0;
-      if (isTaken && (index[slot] & storage.GetPlaceMask()) > place) --index[slot];
+      const std::uint32_t content = storage.GetContent(slot);
+      const bool isTaken = content > Storage::Removed;
+      if (isTaken && (content & storage.GetPlaceMask()) > place) {
+        storage.SetContent(slot, content - 1);
+      }
     }
   }
 
@@ -243,7 +270,7 @@ class KVLNameTable {
   }
 
   void EnterAll() {
-    std::memset(storage.GetIndex(), 0, storage.GetNbSlots() * sizeof(std::uint32_t));
+    storage.ClearIndex();
     nbUsed = 0;
     for (int i = 0; i < count; ++i)
       Enter(KVLName(storage.GetEntries()[i].key).hash, static_cast<std::uint32_t>(i));
