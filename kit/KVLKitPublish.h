@@ -94,9 +94,11 @@ KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name, T* variabl
 /// define. Nothing is thrown: without the memory for it, the object or its doc is missing.
 class Registration {
  public:
+  // Called once a published object: out of line, a module of hundreds stays small.
+
   /// A function, a method or a lambda.
-  Registration(Here here, const char* path, const char* params, const char* doc,
-               const detail::Described& described) noexcept {
+  [[gnu::noinline]] Registration(Here here, const char* path, const char* params, const char* doc,
+                                 const detail::Described& described) noexcept {
     Try([&] {
       const MRBUnicodeString objectPath = path;
       Publish(here, objectPath,
@@ -106,12 +108,13 @@ class Registration {
     });
   }
   /// The doc of something that another line publishes.
-  Registration(Here here, const char* path, const char* doc) noexcept {
+  [[gnu::noinline]] Registration(Here here, const char* path, const char* doc) noexcept {
     Try([&] { PublishDoc(here, path, doc); });
   }
   /// A constant, or where `data` is a pointer to one, a variable of the module.
   template <class T>
-  Registration(Here here, const char* path, const char* doc, const T& data) noexcept {
+  [[gnu::noinline]] Registration(Here here, const char* path, const char* doc,
+                                 const T& data) noexcept {
     Try([&] {
       const MRBUnicodeString objectPath = path;
       Publish(here, objectPath, detail::MakeVariable(detail::LastNameOf(objectPath), data), doc);
@@ -119,12 +122,13 @@ class Registration {
   }
   /// A type.
   template <class T>
-  Registration(Here here, TypeTag<T>) noexcept {
+  [[gnu::noinline]] Registration(Here here, TypeTag<T>) noexcept {
     Try([&] { Publish(here, "_types/" + NameOf(TableOf<T>), detail::MakeType<T>(), nullptr); });
   }
   /// A conversion.
   template <class From, class To>
-  Registration(Here here, ConversionTag<From, To>, const detail::Described& described) noexcept {
+  [[gnu::noinline]] Registration(Here here, ConversionTag<From, To>,
+                                 const detail::Described& described) noexcept {
     Try([&] {
       const MRBUnicodeString from = NameOf(*detail::Carrier<From>::Table);
       const MRBUnicodeString to = NameOf(*detail::Carrier<To>::Table);
