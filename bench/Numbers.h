@@ -179,7 +179,7 @@ class NumberFunction : public KVLCodeFunction {
     }
     template <std::size_t... I>
     bool TakeUp(std::index_sequence<I...>) {
-      if (args.IsEmpty() || (args[I]->GetNbReferences() > 1 || ...)) return false;
+      if (args.IsEmpty() || ((args[I]->GetNbReferences() > 1) || ...)) return false;
       (static_cast<Args&>(*args[I]).SetNumber({}), ...);
       return true;
     }
