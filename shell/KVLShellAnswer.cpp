@@ -10,7 +10,7 @@ namespace {
 
 constexpr int WidestColumn = 40;  // bytes; a longer cell moves its own line only
 constexpr int ColumnGap = 2;
-constexpr int TitleWidth = 13;
+constexpr int LeastTitleWidth = 13;
 
 constexpr char Bold[] = "\x1B[1m";
 constexpr char Blue[] = "\x1B[34m";
@@ -91,16 +91,22 @@ MRBUnicodeString TitleOf(const char* fieldName) {
   MRBUnicodeString title;
   for (const char* byte = fieldName; *byte; ++byte)
     title += MRBUnicodeString(*byte == '_' ? " " : byte, 1);
-  return title + ":";
+  return title;
 }
 
-void WriteEntry(const char* fieldName, const KVLShellNode& node, bool isColored,
-                MRBUnicodeString& text) {
-  MRBUnicodeString title = TitleOf(fieldName);
+// "parameter" of "parameters".
+MRBUnicodeString SingularOf(const MRBUnicodeString& title) {
+  const int last = title.GetLengthInByte() - 1;
+  return KVLStringOperations::EndsWith(title, "s") ? title.SubString(0, last) : title;
+}
+
+void WriteEntry(const MRBUnicodeString& entryTitle, int titleWidth, const KVLShellNode& node,
+                bool isColored, MRBUnicodeString& text) {
+  MRBUnicodeString title = entryTitle + ":";
   const int width = WidthOf(title);
   if (isColored) title = Bold + title + Plain;
   text += title;
-  AppendBlanks(std::max(1, TitleWidth - width), text);
+  AppendBlanks(titleWidth - width, text);
   text += KVLShellEscaped(node.ToText());
   text += "\n";
 }
@@ -118,15 +124,18 @@ void WriteValue(const KVLShellNode& value, MRBUnicodeString& text) {
 }
 
 void WriteSheet(const KVLShellNode& record, bool isColored, MRBUnicodeString& text) {
+  int width = LeastTitleWidth;
+  for (const KVLShellNode::Field& field : record.GetFields())
+    width = std::max(width, WidthOf(TitleOf(field.first)) + 2);
   for (const KVLShellNode::Field& field : record.GetFields()) {
     const KVLShellNode& node = field.second;
     if (node.GetKind() == KVLShellNode::Null) continue;
     if (node.GetKind() != KVLShellNode::List || !node.GetText().IsEmpty()) {
-      WriteEntry(field.first, node, isColored, text);
+      WriteEntry(TitleOf(field.first), width, node, isColored, text);
       continue;
     }
     for (const KVLShellNode& item : node.GetItems())
-      WriteEntry(field.first, item, isColored, text);
+      WriteEntry(SingularOf(TitleOf(field.first)), width, item, isColored, text);
   }
 }
 

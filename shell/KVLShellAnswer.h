@@ -68,7 +68,8 @@ struct KVLShellAnswer {
     Lines,     ///< the text of each item of the list `result` on a line
     Table,     ///< a row for each record in the list `result`, with the fields `columns`
     Sheet      ///< "name: text" for each field of the record `result`, or of each record in the
-               ///< list; for a field that is a list, on a line for each item
+               ///< list; for a field that is a list, on a line for each item, with the name in the
+               ///< singular
   };
 
   KVLShellNode result;

@@ -7,6 +7,12 @@
 #include "KVLShellResult.h"
 #include "KVLShellValue.h"
 
+namespace {
+
+constexpr int MostChoices = 12;  // values of an enumeration that a message lists
+
+}  // namespace
+
 KVLShellCall::KVLShellCall(const KVLShellWork& shellWork, const MRBUnicodeString& path,
                            int position)
     : work(shellWork), functionPath(path), functionPosition(position) {}
@@ -136,16 +142,22 @@ KVLShellOutcome KVLShellCall::Failed(const MRBUnicodeString& message, long cause
 KVLShellOutcome KVLShellCall::Unread(int i, const MRBUnicodeString& given, int position,
                                      long cause) const {
   const KVLCodeFunction::Param& param = GetParam(i);
+  const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(param.typeName);
+  KVLVector<MRBUnicodeString> names;
+  MRBUnicodeString choices;
+  if (type && type->GetEnumValues(names) && names.GetCount() <= MostChoices) {
+    for (const MRBUnicodeString& name : names)
+      choices += (choices.IsEmpty() ? " (" : ", ") + name;
+    choices += ")";
+  }
   KVLShellOutcome outcome = Refused("argument '" + param.name + "' expects " + param.typeName +
-                                        ", got '" + KVLShellPrintable(given) + "'",
+                                        choices + ", got '" + KVLShellPrintable(given) + "'",
                                     position);
   outcome.parameter = param.name;
   outcome.expected = param.typeName;
   outcome.got = given;
   outcome.cause = cause;
-  const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(param.typeName);
-  KVLVector<MRBUnicodeString> names;
-  if (type && type->GetEnumValues(names)) outcome.suggestion = KVLShellNearest(given, names);
+  outcome.suggestion = KVLShellNearest(given, names);
   return outcome;
 }
 

@@ -1,3 +1,5 @@
+#include <exception>
+
 #include "KVLCodeFunction.h"
 #include "KVLShellCommand.h"
 #include "KVLShellPath.h"
@@ -6,6 +8,8 @@
 #include "KVLStringOperations.h"
 
 namespace {
+
+constexpr int LongestDescent = 100;  // parents; their names may form a loop
 
 KVLShellOutcome Refused(const MRBUnicodeString& message, const KVLShellWord& word,
                         const MRBUnicodeString& expected, long cause) {
@@ -17,52 +21,129 @@ KVLShellOutcome Refused(const MRBUnicodeString& message, const KVLShellWord& wor
 }
 
 // The value that a word stands for when its type is not given.
-KVLSmartPtr<KVLCodeValue> ReadByForm(const KVLCodeContext& context, const KVLShellWord& word) {
+KVLSmartPtr<KVLCodeValue> ReadByForm(const KVLShellWord& word, const KVLShellWork& work) {
   if (!word.isQuoted) {
-    if (const auto value = KVLShellReadScalar(context, word.text)) return value;
+    if (KVLStringOperations::StartsWith(word.text, "$")) {
+      return work.session.FindVariable(word.text.SubString(1, word.text.GetLengthInByte()));
+    }
+    if (const auto value = KVLShellReadScalar(work.context, word.text)) return value;
     if (KVLStringOperations::StartsWith(word.text, "[")) {
-      return KVLShellReadList(context, "", word.text);
+      return KVLShellReadList(work.context, "", word.text);
     }
   }
-  return KVLShellReadAs(context, "string", word.text);
+  return KVLShellReadAs(work.context, "string", word.text);
 }
 
-// True when a conversion from the type or from one of its ancestors is registered.
-bool HasConversion(const KVLCodeContext& context, const KVLCodeValue& from,
-                   const MRBUnicodeString& to) {
-  KVLSmartPtr<const KVLCodeType> type = from.GetType(context);
-  while (type) {
-    if (KVLShellFind("_conversions/" + type->GetName() + "/" + to).object) return true;
-    type = type->GetParentType(context);
+// One conversion on its way: where it is looked for, and what is found.
+class Conversion {
+ public:
+  Conversion(const KVLCodeValue& source, const MRBUnicodeString& targetName)
+      : from(source), toName(targetName) {
+    Search();
   }
-  return false;
+
+  bool IsFound() const { return isFound; }
+  // Records of "path" and "found", the declaration of what is there or null.
+  const KVLShellNode& GetSteps() const { return steps; }
+
+  // How the content travels when no conversion does it, or null when it does not.
+  const char* WayOfText() const {
+    if (from.GetTypeName() == toName) return "the types are equal: assigned";
+    const KVLSmartPtr<const KVLCodeType> source = KVLShellFindType(from.GetTypeName());
+    const KVLSmartPtr<const KVLCodeType> target = KVLShellFindType(toName);
+    if (!source || !target) return "a type is not registered: copied as text";
+    if (source->IsDummy() || target->IsDummy()) return "a type stands for any: copied as text";
+    return isDescendant ? "a descendant: copied as text" : nullptr;
+  }
+
+ private:
+  void Search() {
+    if (from.GetTypeName() == toName) return;
+    MRBUnicodeString typeName = from.GetTypeName();
+    for (int i = 0; i < LongestDescent && !isFound; ++i) {
+      AddStep("_conversions/" + typeName + "/" + toName);
+      const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(typeName);
+      if (!type || type->GetParentTypeName().IsEmpty()) break;
+      typeName = type->GetParentTypeName();
+      if (typeName == toName) isDescendant = true;
+    }
+  }
+
+  void AddStep(const MRBUnicodeString& path) {
+    const KVLShellPlace place = KVLShellFind(path);
+    const KVLCodeFunction* const function = place.object ? place.object->AsFunction() : nullptr;
+    KVLShellNode step = KVLShellNode::NewRecord();
+    step.Set("path", path);
+    step.Set("found", function ? KVLShellNode(function->ToStringCode()) : KVLShellNode());
+    isFound = function != nullptr;
+    const MRBUnicodeString found = isFound ? function->ToStringCode() : "none";
+    steps.Append(step.ShowAs(path + ": " + found));
+  }
+
+  const KVLCodeValue& from;
+  const MRBUnicodeString& toName;
+  KVLShellNode steps = KVLShellNode::NewList();
+  bool isFound = false;
+  bool isDescendant = false;
+};
+
+// Assigns, and keeps an exception's words.
+long Assign(const KVLCodeValue& from, KVLCodeValue& to, const KVLCodeContext& context,
+            MRBUnicodeString& thrown) {
+  try {
+    return to.AssignFrom(context, from);
+  } catch (const std::exception& exception) {
+    thrown = exception.what();
+    return KVLResult_Failure;
+  }
 }
 
 KVLShellOutcome Convert(const KVLShellWord& valueWord, const KVLCodeValue& from,
-                        const KVLShellWord& toWord, const KVLCodeContext& context,
+                        const KVLShellWord& toWord, KVLShellWork& work, bool isExplained,
                         KVLShellAnswer& answer) {
   const MRBUnicodeString& toName = toWord.text;
   const KVLSmartPtr<KVLCodeValue> to = KVLShellFindType(toName)->CreateValue("value");
   if (!to) return Refused("the type '" + toName + "' makes no values", toWord, toName, 0);
-  const long code = to->AssignFrom(context, from);
-  if (KVLFailed(code) && !HasConversion(context, from, toName)) {
-    return Refused("no conversion from " + from.GetTypeName() + " to " + toName, toWord, toName,
-                   code);
+  const Conversion conversion(from, toName);
+  MRBUnicodeString thrown;
+  const long code = Assign(from, *to, work.context, thrown);
+  KVLShellNode explained = KVLShellNode::NewRecord();
+  if (isExplained) {
+    const KVLShellNode source = KVLShellValueNode(work.context, from);
+    explained.Set("from", source).ShowAs(source.ToText() + " (" + from.GetTypeName() + ")");
+    explained.Set("steps", conversion.GetSteps());
+    const char* const way = conversion.IsFound() ? nullptr : conversion.WayOfText();
+    if (way) explained.Set("way", way);
   }
   if (KVLFailed(code)) {
+    if (isExplained) {
+      answer.result = explained;
+      answer.layout = KVLShellAnswer::Sheet;
+    }
+    if (!conversion.IsFound() && !conversion.WayOfText()) {
+      return Refused("no conversion from " + from.GetTypeName() + " to " + toName, toWord, toName,
+                     code);
+    }
     return Refused("'" + KVLShellPrintable(valueWord.text) + "' (" + from.GetTypeName() +
-                       ") is refused by the conversion to " + toName + ", with " +
-                       KVLShellCodeText(code),
+                       ") is refused by the conversion to " + toName +
+                       (thrown.IsEmpty() ? ", with " + KVLShellCodeText(code) : ": " + thrown),
                    valueWord, toName, code);
   }
   MRBUnicodeString text;
-  const long writeCode = to->GetValueStr(context, text);
+  const long writeCode = to->GetValueStr(work.context, text);
   if (KVLFailed(writeCode)) {
     return Refused("the " + toName + " cannot be written: " + KVLShellCodeText(writeCode),
                    valueWord, toName, writeCode);
   }
-  answer.result = KVLShellNode::NewValue(toName, text);
-  answer.layout = KVLShellAnswer::Value;
+  const KVLShellNode value = KVLShellNode::NewValue(toName, text);
+  if (isExplained) {
+    explained.Set("to", value).ShowAs(text + " (" + toName + ")");
+    answer.result = explained;
+    answer.layout = KVLShellAnswer::Sheet;
+  } else {
+    answer.result = value;
+    answer.layout = KVLShellAnswer::Value;
+  }
   return KVLShellOutcome();
 }
 
@@ -79,24 +160,26 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork& work,
   const MRBUnicodeString fromName = count == 3 ? arguments[1].text : MRBUnicodeString();
   const KVLSmartPtr<KVLCodeValue> from =
       count == 3 ? KVLShellReadAs(work.context, fromName, valueWord.text)
-                 : ReadByForm(work.context, valueWord);
+                 : ReadByForm(valueWord, work);
   if (!from) {
     return Refused("'" + KVLShellPrintable(valueWord.text) + "' is no " +
                        (count == 3 ? fromName : MRBUnicodeString("value")),
                    valueWord, fromName, 0);
   }
-  return Convert(valueWord, *from, arguments[count - 1], work.context, answer);
+  return Convert(valueWord, *from, arguments[count - 1], work, arguments.Has("--explain"), answer);
 }
 
 }  // namespace
 
 const KVLShellCommand KVLShellConvertCommand = {
     "convert",
-    "convert VALUE [FROM] TO",
+    "convert VALUE [FROM] TO [--explain]",
     "converts a value to another type",
     "  Without FROM, the value is taken as a list when it begins with \"[\", else as a bool, an "
     "int\n"
-    "  or a double when it reads as one, else (or when it is quoted) as a string.\n"
+    "  or a double when it reads as one, else (or when it is quoted) as a string; $NAME is a "
+    "session\n"
+    "  value. With --explain, tells every place where a conversion was looked for.\n"
     "    convert 3 double\n"
     "    convert 2.0 double int\n"
     "    convert \"12\" int\n",
@@ -105,4 +188,4 @@ const KVLShellCommand KVLShellConvertCommand = {
     2,
     3,
     {KVLShellWord_Other, KVLShellWord_Type, KVLShellWord_Type},
-    {}};
+    {{"--explain", nullptr, nullptr, KVLShellWord_Other}}};

@@ -28,19 +28,21 @@ MRBUnicodeString KVLShellSignature(const KVLCodeObject& object) {
 }
 
 MRBUnicodeString KVLShellDocPath(const MRBUnicodeString& path) {
-  MRBUnicodeString docPath = "doc";
-  for (const MRBUnicodeString& piece : KVLStringOperations::Split(path, "/")) {
-    if (piece.IsEmpty()) continue;
-    int start = 0;
-    while (KVLStringOperations::GetCharAt(piece, start) == '_')
-      ++start;
-    docPath += "/" + piece.SubString(start, piece.GetLengthInByte() - start);
+  int start = 0;
+  while (KVLStringOperations::GetCharAt(path, start) == '_' ||
+         KVLStringOperations::GetCharAt(path, start) == '/') {
+    ++start;
   }
-  return docPath;
+  return "doc/" + path.SubString(start, path.GetLengthInByte());
 }
 
 MRBUnicodeString KVLShellDoc(const MRBUnicodeString& path) {
-  const KVLShellPlace place = KVLShellFind(KVLShellDocPath(path));
+  MRBUnicodeString docPath = KVLShellDocPath(path);
+  // The doc of an environment bears its name.
+  if (KVLStringOperations::EndsWith(docPath, "/")) {
+    docPath.Remove(docPath.GetLengthInByte() - 1, 1);
+  }
+  const KVLShellPlace place = KVLShellFind(docPath);
   const KVLCodeValue* const doc = place.object ? place.object->AsVariable() : nullptr;
   MRBUnicodeString text;
   const KVLCodeContext context;

@@ -232,7 +232,7 @@ KVLShellNode ModuleNode(const MRBUnicodeString& library, const Inventory& invent
   std::set<MRBUnicodeString> files;
   for (const auto& object : inventory.objects) {
     if (inventory.libraries.find(object.first)->second != library) continue;
-    ++count;
+    if (!KVLStringOperations::StartsWith(object.first, "doc/")) ++count;
     for (const KVLSourceLocation& location : object.second->GetRegistrationLocations())
       if (!location.path.IsEmpty()) files.insert(location.path);
   }

@@ -303,39 +303,81 @@ TEST(KVLShellRun, EnvironmentsInACircleAreListedToAnEnd) {
   inner.UnAggregateEnv(*circle);
 }
 
-TEST(KVLShellRun, InfoTellsPlacesAndProblems) {
+// What `info` tells, without the module: on some platforms it is the program's file.
+std::string InfoOf(const MRBUnicodeString& path) {
+  std::string output = Ask("info " + path).output;
+  const std::size_t start = output.find("module:");
+  if (start != std::string::npos) output.erase(start, output.find('\n', start) + 1 - start);
+  return output;
+}
+
+TEST(KVLShellRun, InfoTellsPlacesAndRefusedDuplicates) {
   const Published first(NewJoin(), "shellinfo/join", 11);
   const Published second(NewJoin(), "shellinfo/join", 22);
-  EXPECT_EQ(Ask("info shellinfo/join").output,
+  const Published other(NewJoin(), "shellinfo/other", 33);
+  EXPECT_EQ(InfoOf("shellinfo/join"),
             "path:        shellinfo/join\n"
             "kind:        function\n"
             "declaration: string join(string a, string b=z)\n"
             "parameter:   in string a\n"
             "parameter:   in string b = z\n"
-            "registered:  shell/Test.cpp:11\n");
-  const std::string env = Ask("info shellinfo").output;
+            "returns:     string\n"
+            "registered:  shell/Test.cpp:11\n"
+            "refused:     Tried to add two times object with name 'join'. First (effective) "
+            "registration done at 'shell/Test.cpp:11'. Second (uneffective) registration done at "
+            "'shell/Test.cpp:22'.\n");
+  EXPECT_EQ(InfoOf("shellinfo/other").find("refused"), std::string::npos);
+  const std::string env = InfoOf("shellinfo");
   EXPECT_NE(env.find("problem:     "), std::string::npos) << env;
   EXPECT_NE(env.find("shell/Test.cpp:22"), std::string::npos) << env;
 }
 
-TEST(KVLShellRun, InfoOfATypeTellsItsParentAndValues) {
-  kvltest::TestType* const type = new kvltest::TestType("Axis", "Direction");
-  type->enumValues = kvltest::MakeTexts({"X", "Y"});
-  const Published published(type, "shelltest/Axis");
-  EXPECT_EQ(Ask("info shelltest/Axis").output,
-            "path:        shelltest/Axis\n"
-            "kind:        type\n"
-            "parent:      Direction\n"
-            "value:       X\n"
-            "value:       Y\n"
-            "registered:  shell/Test.cpp:1\n");
+TEST(KVLShellRun, InfoTellsTheDoc) {
+  const Published join(NewJoin(), "_shellinfo/join");
+  const Published doc(new kvltest::TextValue("join", "string", "Joins two texts."),
+                      "doc/shellinfo/join");
+  EXPECT_EQ(InfoOf("_shellinfo/join")
+                .find("path:        _shellinfo/join\n"
+                      "kind:        function\n"
+                      "doc:         Joins two texts.\n"),
+            0u);
+}
+
+TEST(KVLShellRun, InfoOfATypeTellsParentsMembersConversionsAndValues) {
+  kvltest::TestType* const axis = new kvltest::TestType("ShellAxis", "ShellWay");
+  axis->enumValues = kvltest::MakeTexts({"X", "Y"});
+  const Published publishedAxis(axis, "_types/ShellAxis");
+  const Published way(new kvltest::TestType("ShellWay", "ShellGone"), "_types/ShellWay");
+  const Published member(NewJoin(), "_members/ShellAxis/Join");
+  const Published inherited(NewJoin(), "_members/ShellWay/Length");
+  const Published to(NewJoin(), "_conversions/ShellAxis/string");
+  const Published from(NewJoin(), "_conversions/string/ShellAxis");
+  const std::string expected =
+      "path:          _types/ShellAxis\n"
+      "kind:          type\n"
+      "parents:       ShellWay, ShellGone\n"
+      "value:         X\n"
+      "value:         Y\n"
+      "members:       Join\n"
+      "inherited:     ShellWay/Length\n"
+      "converts to:   string\n"
+      "converts from: string\n"
+      "registered:    shell/Test.cpp:1\n";
+  EXPECT_EQ(InfoOf("_types/ShellAxis"), expected);
+  EXPECT_EQ(InfoOf("ShellAxis"), expected);
+}
+
+TEST(KVLShellRun, InfoOfTypesWhoseParentsFormALoopEnds) {
+  const Published a(new kvltest::TestType("ShellLoopA", "ShellLoopB"), "_types/ShellLoopA");
+  const Published b(new kvltest::TestType("ShellLoopB", "ShellLoopA"), "_types/ShellLoopB");
+  EXPECT_NE(InfoOf("ShellLoopA").find("parents:     ShellLoopB, ShellLoopA\n"), std::string::npos);
 }
 
 TEST(KVLShellRun, AVariableThatCannotBeWrittenSaysSo) {
   kvltest::TextValue* const value = new kvltest::TextValue("v", "string");
   value->readResult = KVLResult_NotImplemented;
   const Published published(value, "shelltest/v");
-  EXPECT_EQ(Ask("info shelltest/v").output,
+  EXPECT_EQ(InfoOf("shelltest/v"),
             "path:        shelltest/v\n"
             "kind:        variable\n"
             "type:        string\n"
@@ -408,8 +450,10 @@ TEST(KVLShellRun, MisuseTellsTheUsage) {
   } cases[] = {
       {"call", "call: takes at least 1 word, got 0; usage: call PATH TEXT..."},
       {"check now", "check: takes no words, got 1; usage: check"},
-      {"convert 1", "convert: takes at least 2 words, got 1; usage: convert VALUE [FROM] TO"},
-      {"convert 1 a b c", "convert: takes at most 3 words, got 4; usage: convert VALUE [FROM] TO"},
+      {"convert 1",
+       "convert: takes at least 2 words, got 1; usage: convert VALUE [FROM] TO [--explain]"},
+      {"convert 1 a b c",
+       "convert: takes at most 3 words, got 4; usage: convert VALUE [FROM] TO [--explain]"},
       {"help a b", "help: takes at most 1 word, got 2; usage: help [TOPIC]"},
       {"info", "info: takes 1 word, got 0; usage: info PATH"},
       {"info a b", "info: takes 1 word, got 2; usage: info PATH"},
