@@ -23,6 +23,12 @@ template <class T>
 class Out {
  public:
   explicit Out(T& outputTarget) : target(&outputTarget) {}
+  Out(const Out&) = default;
+  /// The other's datum, so that `a = b = datum` sets both.
+  Out& operator=(const Out& other) {
+    *target = *other.target;
+    return *this;
+  }
   /// Through a copy too the assignment reaches the argument.
   const Out& operator=(const T& data) const {
     *target = data;
