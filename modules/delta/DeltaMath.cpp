@@ -1,0 +1,65 @@
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "KVLKit.h"
+
+namespace {
+
+using kvl::Out;
+
+double Div(double a, double b) {
+  if (b == 0) throw std::domain_error("division by zero");
+  return a / b;
+}
+
+double Sqrt(double x) {
+  if (x < 0) throw std::domain_error("square root of a negative number");
+  return std::sqrt(x);
+}
+
+double Clamp(double x, double low, double high) {
+  // Written so that a NaN is refused.
+  if (!(low <= high)) throw std::invalid_argument("low must not lie above high");
+  return std::fmin(std::fmax(x, low), high);
+}
+
+void DivMod(int dividend, int divisor, Out<int> quotient, Out<int> remainder) {
+  if (divisor == 0) throw std::domain_error("division by zero");
+  if (divisor == -1 && dividend == std::numeric_limits<int>::min()) {
+    throw std::overflow_error("the quotient does not fit");
+  }
+  quotient = dividend / divisor;
+  remainder = dividend % divisor;
+}
+
+void Increment(int& number, int by) {
+  const std::int64_t sum = std::int64_t{number} + by;
+  if (sum != static_cast<int>(sum)) throw std::overflow_error("the sum does not fit");
+  number = static_cast<int>(sum);
+}
+
+}  // namespace
+
+KVL_DOC("math", "Mathematics of numbers.");
+KVL_VARIABLE("math/pi", 3.14159265358979312, "The circle constant.");
+KVL_VARIABLE("math/e", 2.71828182845904509, "The base of the natural logarithm.");
+
+KVL_FUNCTION("math/add", "a, b", "a + b.", [](double a, double b) { return a + b; });
+KVL_FUNCTION("math/sub", "a, b", "a - b.", [](double a, double b) { return a - b; });
+KVL_FUNCTION("math/mul", "a, b", "a times b.", [](double a, double b) { return a * b; });
+KVL_FUNCTION("math/div", "a, b", "a divided by b. Fails where b is 0.", Div);
+KVL_FUNCTION("math/sqrt", "x", "The square root. Fails for a negative number.", Sqrt);
+KVL_FUNCTION("math/clamp", "x, low = 0, high = 1",
+             "The number nearest to x between low and high. Fails where low lies above high.",
+             Clamp);
+KVL_FUNCTION("math/lerp", "a, b, t = 0.5", "The number between a, at t = 0, and b, at t = 1.",
+             [](double a, double b, double t) { return a + (b - a) * t; });
+KVL_FUNCTION("math/hypot", "a, b = 0", "The length of the vector (a, b).",
+             [](double a, double b) { return std::hypot(a, b); });
+KVL_FUNCTION("math/divmod", "dividend, divisor, quotient, remainder",
+             "Divides whole numbers; the quotient is rounded towards 0. Fails where the divisor is "
+             "0, or the quotient does not fit.",
+             DivMod);
+KVL_FUNCTION("math/increment", "number, by = 1",
+             "Adds to the number. Fails where the sum does not fit.", Increment);
