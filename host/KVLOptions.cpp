@@ -103,7 +103,10 @@ KVLOptions::Outcome KVLOptions::Read(const std::vector<std::string>& arguments) 
     (void)app.exit(error);
     return ExitDone;
   }
-  const std::vector<std::string> surplus = app.remaining();
+  std::vector<std::string> surplus = app.remaining();
+  // What ends the options is itself no file; the parser leaves it behind.
+  const auto mark = std::find(surplus.begin(), surplus.end(), "--");
+  if (mark != surplus.end()) surplus.erase(mark);
   if (!surplus.empty()) return RefuseSurplus(app, surplus);
   if (when != "auto" && when != "always" && when != "never") {
     return Misunderstood("--color takes auto, always or never, not '" + when + "'");

@@ -42,12 +42,13 @@ void OnEnd(int signal) {
   (void)raise(signal);
 }
 
-// Calls of the platform that a signal falls into go on by themselves, for the sake of the functions
-// that are called; waiting for input does not.
-void Catch(int signal) {
+// Whoever started the program may have seen to it that a signal does nothing.
+void Catch(int signal, void (*handler)(int), int flags) {
   struct sigaction action = {};
-  action.sa_handler = OnSignal;
-  action.sa_flags = SA_RESTART;
+  if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) return;
+  action = {};
+  action.sa_handler = handler;
+  action.sa_flags = flags;
   sigemptyset(&action.sa_mask);
   (void)sigaction(signal, &action, nullptr);
 }
@@ -92,12 +93,8 @@ int KVLTerminalWidth() {
 
 void KVLGuardTerminal() {
   if (tcgetattr(STDIN_FILENO, &usualModes) != 0) return;
-  struct sigaction action = {};
-  action.sa_handler = OnEnd;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  sigemptyset(&action.sa_mask);
   for (const int signal : {SIGTERM, SIGHUP, SIGQUIT})
-    (void)sigaction(signal, &action, nullptr);
+    Catch(signal, OnEnd, static_cast<int>(SA_RESETHAND));
 }
 
 std::FILE* KVLOpenToRead(const std::string& path) {
@@ -125,9 +122,10 @@ bool KVLIsReaderGone(int error) {
 
 void KVLOnInterrupt(void (*handler)()) {
   interruptHandler = handler;
-  Catch(SIGINT);
-  Catch(SIGWINCH);
-  Catch(SIGCONT);
+  // Calls of the platform that a signal falls into go on by themselves, for the sake of the
+  // functions that are called; waiting for input does not.
+  for (const int signal : {SIGINT, SIGWINCH, SIGCONT})
+    Catch(signal, OnSignal, SA_RESTART);
 }
 
 void KVLWriteErrorNow(const char* text) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 #include "KVLRunKvl.h"
@@ -190,13 +191,120 @@ TEST(KVLProgram, TheVersionIsPrinted) {
 }
 
 TEST(KVLProgram, ACommandLineThatIsNotUnderstoodExitsWith2) {
-  for (const char* const arguments : {"--bogus", "-z", "-c", "one two", "-c ls file"}) {
+  for (const char* const arguments :
+       {"--bogus", "-z", "-c", "one two", "-c ls file", "--color=blue", "--color",
+        "--modules -c ls", "--modules file", "--modules --no-modules", "complete a b",
+        "-c ls -c ls", "--json=maybe"}) {
     const KVLEnded ended = RunKvl(arguments);
     EXPECT_EQ(ended.exitCode, KVLExit_Usage) << arguments;
     EXPECT_EQ(ended.output, "") << arguments;
     EXPECT_EQ(ended.error.find("kvl: "), 0u) << ended.error;
     EXPECT_NE(ended.error.find("Run 'kvl --help'"), std::string::npos) << ended.error;
   }
+}
+
+TEST(KVLProgram, AnUnknownOptionBringsTheNearest) {
+  constexpr char End[] = "\nRun 'kvl --help' for what it takes.\n";
+  EXPECT_EQ(RunKvl("--jsno").error,
+            std::string("kvl: unknown option '--jsno'; did you mean '--json'?") + End);
+  EXPECT_EQ(RunKvl("--colour=always").error,
+            std::string("kvl: unknown option '--colour=always'; did you mean '--color'?") + End);
+  EXPECT_EQ(RunKvl("-c ls --hlep").error,
+            std::string("kvl: unknown option '--hlep'; did you mean '--help'?") + End);
+  EXPECT_EQ(RunKvl("--" + std::string(5000, 'x')).exitCode, KVLExit_Usage);
+  EXPECT_EQ(RunKvl("--bogus").error, std::string("kvl: unknown option '--bogus'") + End);
+  EXPECT_EQ(RunKvl("-z").error, std::string("kvl: unknown option '-z'") + End);
+  EXPECT_EQ(RunKvl("--color=blue").error,
+            std::string("kvl: --color takes auto, always or never, not 'blue'") + End);
+  EXPECT_EQ(RunKvl("one two").error,
+            std::string("kvl: one file at a time: 'two' is too many") + End);
+}
+
+// Texts that mean something to the reading of the command line.
+TEST(KVLProgram, ATextArrivesAsItIs) {
+  for (const char* const text :
+       {"[1,2]", "[]", "{}", "a,b", "%%", "-5", "--help", "-", "--", "@x"}) {
+    const KVLEnded ended = RunText("call text/length \"" + std::string(text) + "\"");
+    EXPECT_EQ(ended.output, std::to_string(std::string(text).size()) + "\n") << ended.error;
+    const KVLEnded whole = RunKvl("-c " + Quoted(text));
+    EXPECT_EQ(whole.exitCode, RunKvl("-", std::string(text) + "\n").exitCode) << text;
+    EXPECT_EQ(whole.error.find("Run 'kvl --help'"), std::string::npos) << whole.error;
+  }
+  EXPECT_EQ(RunText("call text/length \xC3\xA9\xE2\x82\xAC").output, "5\n");
+}
+
+TEST(KVLProgram, AnEmptyTextDoesNothing) {
+  for (const char* const text : {"", " ", "# nothing", ";"}) {
+    const KVLEnded ended = RunText(text);
+    EXPECT_EQ(ended.exitCode, KVLExit_Done) << text;
+    EXPECT_EQ(ended.output + ended.error, "") << text;
+  }
+}
+
+TEST(KVLProgram, OptionsMayFollowTheText) {
+  EXPECT_EQ(RunKvl("-c ls --no-modules").exitCode, KVLExit_Done);
+  EXPECT_EQ(RunKvl("--no-modules -c ls").output.find("math"), std::string::npos);
+}
+
+TEST(KVLProgram, JsonAnswersWithOneObjectACommand) {
+  const KVLEnded good = RunKvl("--json -c " + Quoted("call math/add 1 2"));
+  EXPECT_EQ(good.output.find("{\"kvl\":1,\"ok\":true,"), 0u) << good.output;
+  EXPECT_EQ(good.output.find('\n'), good.output.size() - 1) << good.output;
+  EXPECT_EQ(good.error, "");
+  const KVLEnded bad = RunKvl("--json -c " + Quoted("call math/add x 2"));
+  EXPECT_EQ(bad.output.find("{\"kvl\":1,\"ok\":false,"), 0u) << bad.output;
+  EXPECT_EQ(bad.exitCode, KVLExit_Argument);
+}
+
+// A file and a pipe add where they stopped; all else is the same.
+TEST(KVLProgram, ATextAFileAndAPipeHaveTheSameResults) {
+  for (const char* const text :
+       {"call math/add 1 2", "ls math", "call math/div 1 0", "ls nowhere", "call math/add x 1",
+        "frobnicate", "call [1", "a = 3; call math/add 1 $a", "call math/add 1 2; quit 7"}) {
+    for (const char* const form : {"", "--json "}) {
+      const KVLEnded oneShot = RunKvl(form + ("-c " + Quoted(text)));
+      const std::string script = ScriptWith(std::string(text) + "\n");
+      const KVLEnded file = RunKvl(form + Quoted(script));
+      const KVLEnded pipe = RunKvl(form + std::string("-"), std::string(text) + "\n");
+      EXPECT_EQ(file.output, oneShot.output) << text;
+      EXPECT_EQ(pipe.output, oneShot.output) << text;
+      EXPECT_EQ(file.exitCode, oneShot.exitCode) << text;
+      EXPECT_EQ(pipe.exitCode, oneShot.exitCode) << text;
+      const bool hasStopped = oneShot.exitCode != 0 && oneShot.exitCode != 7;
+      const std::string stopped =
+          ":1: stopped here (exit code " + std::to_string(oneShot.exitCode) + ")\n";
+      EXPECT_EQ(file.error, oneShot.error + (hasStopped ? script + stopped : "")) << text;
+      EXPECT_EQ(pipe.error, oneShot.error + (hasStopped ? "<stdin>" + stopped : "")) << text;
+    }
+  }
+}
+
+TEST(KVLProgram, QuitEndsAFileWithItsCode) {
+  const KVLEnded ended = RunKvl(Quoted(ScriptWith("call math/add 1 2\nquit 9\nls\n")));
+  EXPECT_EQ(ended.output, "3\n");
+  EXPECT_EQ(ended.error, "");
+  EXPECT_EQ(ended.exitCode, 9);
+  EXPECT_EQ(RunText("quit").exitCode, KVLExit_Done);
+  EXPECT_EQ(RunText("quit 255").exitCode, 255);
+}
+
+TEST(KVLProgram, SessionValuesLastFromLineToLine) {
+  EXPECT_EQ(RunKvl("-", "a = math/add(1, 2)\nmath/add($a, $a)\n").output, "6\n");
+}
+
+TEST(KVLProgram, AFileThatIsCalledLikeACommandOfTheProgramIsReachedByItsPath) {
+  WriteFile("complete", "call math/add 1 2\n");
+  EXPECT_EQ(RunKvl("./complete").output, "3\n");
+  EXPECT_EQ(RunKvl("-- complete").output, "3\n");
+  EXPECT_EQ(RunKvl("-q complete").output, "3\n");
+  EXPECT_EQ(std::remove("complete"), 0);
+}
+
+TEST(KVLProgram, ALibraryThatCannotBeLoadedExitsWith5) {
+  const KVLEnded ended = RunText("load KVLCodeEnv_Gone");
+  EXPECT_EQ(ended.exitCode, KVLExit_Load);
+  EXPECT_EQ(ended.output, "");
+  EXPECT_EQ(ended.error.find("error: "), 0u) << ended.error;
 }
 
 }  // namespace

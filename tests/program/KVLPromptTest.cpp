@@ -353,6 +353,61 @@ TEST(KVLPrompt, CharactersOfSeveralBytesAreOneCharacterEach) {
   }
 }
 
+TEST(KVLPrompt, ColoursAreForTerminalsThatTakeThem) {
+  struct Case {
+    std::vector<std::string> options;
+    Terminal::Setting setting;
+    bool hasColors;
+  };
+  const Case cases[] = {{{}, {"NONE", ""}, true},
+                        {{}, {"NO_COLOR", ""}, true},
+                        {{}, {"NO_COLOR", "1"}, false},
+                        {{}, {"TERM", "dumb"}, false},
+                        {{}, {"TERM", ""}, false},
+                        {{"--color=always"}, {"NO_COLOR", "1"}, true},
+                        {{"--color=never"}, {"NONE", ""}, false},
+                        {{"--color", "auto"}, {"NONE", ""}, true}};
+  for (const Case& test : cases) {
+    std::vector<std::string> arguments = {"-c", "ls nowhere"};
+    arguments.insert(arguments.end(), test.options.begin(), test.options.end());
+    Terminal terminal(arguments, {test.setting});
+    EXPECT_EQ(terminal.Wait(), KVLExit_NotFound);
+    EXPECT_EQ(terminal.GetShown().find('\x1b') != std::string::npos, test.hasColors)
+        << test.setting.name << "=" << test.setting.value;
+  }
+}
+
+TEST(KVLPrompt, ThereIsNoColourWhereOneOfTheStreamsIsNoTerminal) {
+  Terminal terminal({"-c", "ls nowhere"}, {}, {}, {{STDOUT_FILENO, Scratch("results.txt")}});
+  EXPECT_EQ(terminal.Wait(), KVLExit_NotFound);
+  EXPECT_EQ(terminal.GetShown().find('\x1b'), std::string::npos);
+}
+
+// The terminal is what is typed at; what is written goes into files, to be compared.
+TEST(KVLPrompt, ALineAndAOneShotTextHaveTheSameResults) {
+  for (const char* const text : {"call math/add 1 2", "ls math", "call math/div 1 0", "ls nowhere",
+                                 "call math/add x 1", "frobnicate", "a = 3; $a", "quit 7"}) {
+    for (const char* const form : {"--color=never", "--json"}) {
+      std::string written[2];
+      for (const bool isOneShot : {false, true}) {
+        std::vector<std::string> arguments = {"-q", form};
+        if (isOneShot) arguments.insert(arguments.end(), {"-c", text});
+        Terminal terminal(
+            arguments, {FreshHistory()}, {},
+            {{STDOUT_FILENO, Scratch("results.txt")}, {STDERR_FILENO, Scratch("errors.txt")}});
+        if (!isOneShot) terminal.Type(std::string(text) + "\n" + ControlD);
+        EXPECT_GE(terminal.Wait(), 0);
+        written[isOneShot ? 1 : 0] =
+            ReadFile(Scratch("results.txt")) + "--\n" + ReadFile(Scratch("errors.txt"));
+      }
+      EXPECT_EQ(written[0], written[1]) << text;
+      if (std::string(text) != "quit 7") {
+        EXPECT_NE(written[0], "--\n") << text;
+      }
+    }
+  }
+}
+
 TEST(KVLPrompt, ResultsGoToStandardOutputAndAllElseToStandardError) {
   const std::string results = Scratch("results.txt");
   Terminal terminal({}, {FreshHistory()}, {}, {{STDOUT_FILENO, results}});
