@@ -5,17 +5,7 @@ namespace {
 
 class Theta : public LoadedModules {
  protected:
-  Theta() : LoadedModules({"Alpha", "Theta", "Zeta"}) {
-    // The type of the lists that come back, where no other module brings it.
-    if (!context.GetTypeFromName("KVLVector<string>")) {
-      listType.emplace(KVLCodeEnv::GetDefaultTypeRoot(),
-                       new kvl::ListType(kvl::TableOf<KVLVector<MRBUnicodeString>>),
-                       "KVLVector<string>", KVLSourceLocation());
-    }
-  }
-
- private:
-  std::optional<KVLCodeObjectRegisterer> listType;
+  Theta() : LoadedModules({"Alpha", "Gamma", "Theta", "Zeta"}) {}
 };
 
 class LoopType : public KVLCodeType {
