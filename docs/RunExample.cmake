@@ -1,10 +1,10 @@
-# cmake -DPROGRAM=program -DEXPECTED=text.out [-DEMULATOR=wine] -P RunExample.cmake
+# cmake -DPROGRAM=program [-DARGUMENT=text] -DEXPECTED=text.out [-DEMULATOR=wine] -P RunExample.cmake
 # Fails unless the program succeeds and writes exactly the expected text to standard output.
 
 cmake_minimum_required(VERSION 3.25)
 
 execute_process(
-  COMMAND ${EMULATOR} "${PROGRAM}"
+  COMMAND ${EMULATOR} "${PROGRAM}" ${ARGUMENT}
   OUTPUT_VARIABLE output
   RESULT_VARIABLE result)
 string(REPLACE "\r\n" "\n" output "${output}")
