@@ -11,12 +11,12 @@ namespace {
 // Sorted by name.
 constexpr const KVLShellCommand* Commands[] = {
     &KVLShellBindCommand,     &KVLShellCallCommand,    &KVLShellCheckCommand,
-    &KVLShellCompleteCommand, &KVLShellConvertCommand, &KVLShellFindCommand,
-    &KVLShellHelpCommand,     &KVLShellHistoryCommand, &KVLShellInfoCommand,
-    &KVLShellLoadCommand,     &KVLShellLsCommand,      &KVLShellModulesCommand,
-    &KVLShellQuitCommand,     &KVLShellSourceCommand,  &KVLShellTimeCommand,
-    &KVLShellUnloadCommand,   &KVLShellUnsetCommand,   &KVLShellUnuseCommand,
-    &KVLShellUseCommand,      &KVLShellVarsCommand};
+    &KVLShellCompleteCommand, &KVLShellConvertCommand, &KVLShellExportCommand,
+    &KVLShellFindCommand,     &KVLShellHelpCommand,    &KVLShellHistoryCommand,
+    &KVLShellInfoCommand,     &KVLShellLoadCommand,    &KVLShellLsCommand,
+    &KVLShellModulesCommand,  &KVLShellQuitCommand,    &KVLShellSourceCommand,
+    &KVLShellTimeCommand,     &KVLShellUnloadCommand,  &KVLShellUnsetCommand,
+    &KVLShellUnuseCommand,    &KVLShellUseCommand,     &KVLShellVarsCommand};
 
 MRBUnicodeString Count(int words) {
   return KVLStringOperations::FromNum(words) + (words == 1 ? " word" : " words");

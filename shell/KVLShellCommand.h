@@ -111,6 +111,7 @@ extern const KVLShellCommand KVLShellCallCommand;
 extern const KVLShellCommand KVLShellCheckCommand;
 extern const KVLShellCommand KVLShellCompleteCommand;
 extern const KVLShellCommand KVLShellConvertCommand;
+extern const KVLShellCommand KVLShellExportCommand;
 extern const KVLShellCommand KVLShellFindCommand;
 extern const KVLShellCommand KVLShellHelpCommand;
 extern const KVLShellCommand KVLShellHistoryCommand;

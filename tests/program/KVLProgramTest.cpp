@@ -99,7 +99,7 @@ TEST(KVLProgram, WhatIsNotUnderstoodExitsWith2) {
             "error: missing closing ']'\n"
             "  call [1\n"
             "       ^\n");
-  EXPECT_EQ(RunText("check twice").exitCode, KVLExit_Usage);
+  EXPECT_EQ(RunText("check math twice").exitCode, KVLExit_Usage);
 }
 
 TEST(KVLProgram, TheRegistryOfTheShippedModulesIsInOrder) {

@@ -449,7 +449,7 @@ TEST(KVLShellRun, MisuseTellsTheUsage) {
     const char* message;
   } cases[] = {
       {"call", "call: takes at least 1 word, got 0; usage: call PATH TEXT..."},
-      {"check now", "check: takes no words, got 1; usage: check"},
+      {"vars now", "vars: takes no words, got 1; usage: vars"},
       {"convert 1",
        "convert: takes at least 2 words, got 1; usage: convert VALUE [FROM] TO [--explain]"},
       {"convert 1 a b c",
