@@ -59,7 +59,9 @@ KVLShellOutcome KVLShellCall::SetText(int i, const MRBUnicodeString& argumentTex
 }
 
 KVLShellOutcome KVLShellCall::SetValue(int i, KVLSmartPtr<KVLCodeValue> value, int position) {
-  const long code = caller->SetArg(i, value);
+  const bool isLooped =
+      value->GetTypeName() != GetParam(i).typeName && KVLShellDescendsInALoop(value->GetTypeName());
+  const long code = isLooped ? KVLResult_Failure : caller->SetArg(i, value);
   if (!KVLFailed(code)) {
     isSet[i] = true;
     return KVLShellOutcome();

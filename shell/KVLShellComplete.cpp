@@ -340,6 +340,8 @@ class Completer {
       while (i < function->GetNbParameters() && function->GetParam(i).name != frame.parameter)
         ++i;
     } else {
+      // Those with names took no place.
+      i -= frame.named.GetCount();
       for (int j = i; j < function->GetNbParameters(); ++j)
         if (!IsNamed(function->GetParam(j).name)) Offer(function->GetParam(j).name + "=");
     }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int LongestDescent = 100;  // parents; their names may form a loop
-
 KVLShellOutcome Refused(const MRBUnicodeString& message, const KVLShellWord& word,
                         const MRBUnicodeString& expected, long cause) {
   KVLShellOutcome outcome(KVLShellResult_Argument, "convert: " + message, word.position);
@@ -34,7 +32,8 @@ KVLSmartPtr<KVLCodeValue> ReadByForm(const KVLShellWord& word, const KVLShellWor
   return KVLShellReadAs(work.context, "string", word.text);
 }
 
-// One conversion on its way: where it is looked for, and what is found.
+// One conversion on its way: where it is looked for, and what is found. The parents of the source's
+// type form no loop.
 class Conversion {
  public:
   Conversion(const KVLCodeValue& source, const MRBUnicodeString& targetName)
@@ -60,7 +59,7 @@ class Conversion {
   void Search() {
     if (from.GetTypeName() == toName) return;
     MRBUnicodeString typeName = from.GetTypeName();
-    for (int i = 0; i < LongestDescent && !isFound; ++i) {
+    while (!isFound) {
       AddStep("_conversions/" + typeName + "/" + toName);
       const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(typeName);
       if (!type || type->GetParentTypeName().IsEmpty()) break;
@@ -104,6 +103,9 @@ KVLShellOutcome Convert(const KVLShellWord& valueWord, const KVLCodeValue& from,
   const MRBUnicodeString& toName = toWord.text;
   const KVLSmartPtr<KVLCodeValue> to = KVLShellFindType(toName)->CreateValue("value");
   if (!to) return Refused("the type '" + toName + "' makes no values", toWord, toName, 0);
+  if (from.GetTypeName() != toName && KVLShellDescendsInALoop(from.GetTypeName())) {
+    return Refused("the parents of " + from.GetTypeName() + " form a loop", valueWord, toName, 0);
+  }
   const Conversion conversion(from, toName);
   MRBUnicodeString thrown;
   const long code = Assign(from, *to, work.context, thrown);

@@ -303,12 +303,15 @@ int ParameterOf(const KVLShellExpression& argument, int nbGiven, int& place,
   place = -1;
   const int i = call.FindParameter(name);
   if (i >= 0) return i;
-  outcome =
-      call.Refused("no parameter '" + KVLShellPrintable(name) + "'", argument.parameter.position);
-  outcome.parameter = name;
   KVLVector<MRBUnicodeString> names;
-  for (const KVLCodeFunction::Param& param : call.GetFunction().GetParams())
+  MRBUnicodeString list;
+  for (const KVLCodeFunction::Param& param : call.GetFunction().GetParams()) {
+    list += (names.IsEmpty() ? " among " : ", ") + param.name;
     names.Append(param.name);
+  }
+  outcome = call.Refused("no parameter '" + KVLShellPrintable(name) + "'" + list,
+                         argument.parameter.position);
+  outcome.parameter = name;
   outcome.suggestion = KVLShellNearest(name, names);
   return -1;
 }

@@ -104,6 +104,18 @@ KVLSmartPtr<KVLCodeValue> KVLShellReadList(const KVLCodeContext& context,
   return KVLShellReadAs(context, AnyListTypeName, text);
 }
 
+bool KVLShellDescendsInALoop(const MRBUnicodeString& typeName) {
+  KVLVector<const KVLCodeType*> seen;
+  KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(typeName);
+  while (type) {
+    for (const KVLCodeType* const former : seen)
+      if (type == former) return true;
+    seen.Append(type.Get());
+    type = KVLShellFindType(type->GetParentTypeName());
+  }
+  return false;
+}
+
 bool KVLShellHoldsAny(const KVLCodeContext& context, const MRBUnicodeString& typeName) {
   if (typeName == AnyTypeName) return true;
   const KVLSmartPtr<const KVLCodeType> type = context.GetTypeFromName(typeName);
@@ -111,7 +123,10 @@ bool KVLShellHoldsAny(const KVLCodeContext& context, const MRBUnicodeString& typ
 }
 
 MRBUnicodeString KVLShellElementText(const KVLCodeValue& value, const MRBUnicodeString& text) {
-  const bool isSafe = value.GetTypeName() != "string" && IsOneElement(text);
+  // A text that begins with a quote is a quoted one already.
+  const bool isPlain =
+      value.GetTypeName() == "string" && !KVLStringOperations::StartsWith(text, "\"");
+  const bool isSafe = !isPlain && IsOneElement(text);
   return isSafe ? text : KVLShellQuote(text);
 }
 

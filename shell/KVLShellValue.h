@@ -35,6 +35,10 @@ KVLSmartPtr<KVLCodeValue> KVLShellReadList(const KVLCodeContext& context,
                                            const MRBUnicodeString& elementTypeName,
                                            const MRBUnicodeString& text);
 
+/// True for a type whose parent, its parent and so on come back to one of them: to assign values of
+/// such a type to others would never end.
+bool KVLShellDescendsInALoop(const MRBUnicodeString& typeName);
+
 /// True for a type that holds values of any type.
 bool KVLShellHoldsAny(const KVLCodeContext& context, const MRBUnicodeString& typeName);
 
