@@ -96,7 +96,7 @@ TEST(KVLShellComplete, CommandsOfferWhatTheyTake) {
   EXPECT_EQ(Completed("convert --explain 1 S"), "Spot|");
   EXPECT_EQ(Completed("find x -t H"), "Hue|");
   EXPECT_EQ(Completed("help qu"), "quit|");
-  EXPECT_EQ(Completed("help ex"), "expressions|");
+  EXPECT_EQ(Completed("help expr"), "expressions|");
   EXPECT_EQ(Completed("load Z"), "Zeta|");
   (void)Ask("total = 1; bind third = num/add(3)");
   EXPECT_EQ(Completed("unset t"), "third|total|");
