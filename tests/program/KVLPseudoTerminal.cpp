@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds Patience(30);
 constexpr int EndedBySignal = 1000;
 
-[[noreturn]] void Start(const std::vector<std::string>& arguments,
+[[noreturn]] void Start(const std::string& program, const std::vector<std::string>& arguments,
                         const std::vector<KVLPseudoTerminal::Setting>& settings,
                         const std::vector<KVLPseudoTerminal::Redirection>& redirections) {
   for (const char* const name : {"NO_COLOR", "KVL_HISTORY", "EDITRC", "KVLCodeEnv_Modules"})
@@ -35,11 +35,11 @@ constexpr int EndedBySignal = 1000;
     const int file = open(redirection.file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     (void)dup2(file, redirection.descriptor);
   }
-  std::vector<char*> words{const_cast<char*>(KVL_PROGRAM)};
+  std::vector<char*> words{const_cast<char*>(program.c_str())};
   for (const std::string& argument : arguments)
     words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
-  (void)execv(KVL_PROGRAM, words.data());
+  (void)execv(program.c_str(), words.data());
   _exit(127);
 }
 
@@ -54,16 +54,17 @@ struct winsize ToWindow(KVLWindowSize size) {
 
 KVLPseudoTerminal::KVLPseudoTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<Setting>& settings, KVLWindowSize size,
-                                     const std::vector<Redirection>& redirections) {
+                                     const std::vector<Redirection>& redirections,
+                                     const std::string& program) {
   const struct winsize window = ToWindow(size);
-  program = forkpty(&terminal, nullptr, nullptr, &window);
-  if (program == 0) Start(arguments, settings, redirections);
+  process = forkpty(&terminal, nullptr, nullptr, &window);
+  if (process == 0) Start(program, arguments, settings, redirections);
 }
 
 KVLPseudoTerminal::~KVLPseudoTerminal() {
-  if (program > 0) {
-    (void)kill(program, SIGKILL);
-    (void)waitpid(program, nullptr, 0);
+  if (process > 0) {
+    (void)kill(process, SIGKILL);
+    (void)waitpid(process, nullptr, 0);
   }
   (void)close(terminal);
 }
@@ -82,7 +83,7 @@ void KVLPseudoTerminal::Resize(KVLWindowSize size) {
 }
 
 void KVLPseudoTerminal::Signal(int signal) {
-  (void)kill(program, signal);
+  (void)kill(process, signal);
 }
 
 // False at the end, and when nothing comes for a while.
@@ -118,14 +119,14 @@ int KVLPseudoTerminal::Wait() {
     if (Clock::now() > end) return -1;
   }
   int status = 0;
-  if (waitpid(program, &status, 0) != program) return -1;
-  program = -1;
+  if (waitpid(process, &status, 0) != process) return -1;
+  process = -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : EndedBySignal + WTERMSIG(status);
 }
 
 void KVLPseudoTerminal::WaitForProgram() {
-  (void)waitpid(program, nullptr, 0);
-  program = -1;
+  (void)waitpid(process, nullptr, 0);
+  process = -1;
 }
 
 bool KVLPseudoTerminal::Echoes() const {

@@ -11,7 +11,7 @@ struct KVLWindowSize {
   unsigned short rows = 24;
 };
 
-/// The program kvl with a terminal of its own, and what a person types there and sees.
+/// A program, mostly kvl, with a terminal of its own, and what a person types there and sees.
 class KVLPseudoTerminal {
  public:
   struct Setting {
@@ -23,9 +23,10 @@ class KVLPseudoTerminal {
     std::string file;  ///< opened to write
   };
 
-  /// Starts the program with `settings` beside its usual environment.
+  /// Starts `program` with `settings` beside its usual environment.
   KVLPseudoTerminal(const std::vector<std::string>& arguments, const std::vector<Setting>& settings,
-                    KVLWindowSize size = {}, const std::vector<Redirection>& redirections = {});
+                    KVLWindowSize size = {}, const std::vector<Redirection>& redirections = {},
+                    const std::string& program = KVL_PROGRAM);
   /// Ends the program, unless it has ended.
   ~KVLPseudoTerminal();
   KVLPseudoTerminal(const KVLPseudoTerminal&) = delete;
@@ -56,7 +57,7 @@ class KVLPseudoTerminal {
   bool ReadMore();
 
   int terminal = -1;
-  pid_t program = -1;
+  pid_t process = -1;
   std::string shown;
   std::size_t found = 0;
   bool hasEnded = false;
