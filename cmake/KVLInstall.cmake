@@ -22,3 +22,7 @@ install(
         "${CMAKE_CURRENT_BINARY_DIR}/KVLKernelConfigVersion.cmake" cmake/KVLModule.cmake
         cmake/KVLCheckModule.cmake
   DESTINATION "${packageDir}")
+
+if(PROJECT_IS_TOP_LEVEL)
+  include(KVLPackage)
+endif()
