@@ -17,7 +17,7 @@ constexpr int CharacterWidth = 8;
 constexpr int DotGap = 9;
 constexpr int Middle = 160;               // between the two columns of texts
 constexpr std::size_t ShortestLabel = 6;  // characters that there is room for
-constexpr std::size_t LongestLabel = 16;
+constexpr std::size_t LongestLabel = 17;
 
 constexpr int NbSweeps = 12;
 constexpr std::size_t MostOrdered = 1000;  // more lines are not readable in any order

@@ -121,12 +121,15 @@
   const itemOf = (entry) => itemsByTarget.get("#" + entry.id);
   const total = entries.length;
 
-  // The better the smaller: an object of that very name, one whose name begins so, any other.
+  // The better the smaller: an object of that very name, one whose name begins so, any other; and a
+  // type before the conversions that bear its name.
   function rank(entry, text) {
     const name = entry.dataset.name.toLowerCase();
-    if (name === text) return 0;
-    if (name.startsWith(text)) return 1;
-    return entry.dataset.path.toLowerCase().includes(text) ? 2 : 3;
+    const path = entry.dataset.path.toLowerCase();
+    const late = path.startsWith("_conversions/") ? 0.5 : 0;
+    if (name === text) return late;
+    if (name.startsWith(text)) return 1 + late;
+    return (path.includes(text) ? 2 : 3) + late;
   }
 
   let best = null;
