@@ -129,12 +129,26 @@ std::string TypeFacts(const KVLShellModelObject& type) {
   return facts;
 }
 
+// By the name under which the function is called, which need not be its own.
+std::string Declaration(const KVLShellModelObject& function) {
+  std::string text = function.returnTypeName + " " + function.name + "(";
+  bool isFirst = true;
+  for (const KVLShellModelParam& param : function.params) {
+    text += isFirst ? "" : ", ";
+    isFirst = false;
+    text += param.typeName + (param.isOutput ? "& " : " ") + param.name;
+    if (!param.defaultText.empty()) text += " = " + param.defaultText;
+  }
+  return text + ")";
+}
+
 std::string ObjectText(const KVLShellModelObject& object) {
   std::string text = "### " + Code(object.path) + "\n";
   if (object.kind == KVLShellModelKind::Function) {
-    text += "\n" + CodeBlock(object.signature);
+    text += "\n" + CodeBlock(Declaration(object));
   } else if (object.kind == KVLShellModelKind::Variable) {
-    text += "\n" + CodeBlock(object.signature + (object.isReadable ? " = " + object.text : ""));
+    text += "\n" + CodeBlock(object.typeName + " " + object.name +
+                             (object.isReadable ? " = " + object.text : ""));
   }
   if (!object.doc.empty()) text += "\n" + Prose(object.doc) + "\n";
   const bool hasOutput =
@@ -285,19 +299,21 @@ std::string Summary(const std::string& doc) {
   return doc.substr(0, end);
 }
 
-// The documented environments that the chapter's objects lie in, with what they are for.
+// What the topmost environments are for that the chapter's objects lie in; the reserved ones tell
+// something where there is no other.
 std::string ChapterSummary(const KVLShellModel& model, const Chapter& chapter) {
-  const std::set<const KVLShellModelObject*> own(chapter.objects.begin(), chapter.objects.end());
-  std::string summary;
-  for (const KVLShellModelEnv& env : model.envs) {
-    if (env.doc.empty()) continue;
-    for (std::size_t i = 0; i < env.nbObjects; ++i) {
-      if (own.count(&model.objects[env.firstObject + i]) == 0) continue;
+  std::set<std::string> tops;
+  for (const KVLShellModelObject* object : chapter.objects)
+    tops.insert(object->path.substr(0, object->path.find('/')));
+  for (const bool isReserved : {false, true}) {
+    std::string summary;
+    for (const KVLShellModelEnv& env : model.envs) {
+      if (env.doc.empty() || IsReserved(env) != isReserved || tops.count(env.path) == 0) continue;
       summary += (summary.empty() ? "" : " ") + Prose(OneLine(Summary(env.doc)));
-      break;
     }
+    if (!summary.empty()) return summary;
   }
-  return summary;
+  return "";
 }
 
 std::string Title(const KVLShellModel& model) {

@@ -185,7 +185,8 @@ void Browser::Open(const std::string& address) {
   const Json answer = Call("Page.navigate", {{"url", address}});
   if (answer.contains("errorText")) Fail(address + ": " + answer["errorText"].dump());
   Evaluate(
-      "new Promise(done => { const look = () => document.documentElement?.dataset.ready ? done(1) : "
+      "new Promise(done => { const look = () => document.documentElement?.dataset.ready ? done(1) "
+      ": "
       "setTimeout(look, 5); look(); })");
 }
 

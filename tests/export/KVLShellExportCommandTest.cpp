@@ -155,7 +155,7 @@ TEST_F(Commands, ExportPrintsMarkdownByDefault) {
   const Said said = Ask("export sample");
   EXPECT_EQ(said.code, KVLResult_Success);
   EXPECT_EQ(said.output.substr(0, 23), "# Registry: `sample`\n\n2");
-  EXPECT_NE(said.output.find("string join(string a, string b=z)"), std::string::npos);
+  EXPECT_NE(said.output.find("string join(string a, string b = z)"), std::string::npos);
   EXPECT_EQ(said.output, Ask("export --format md sample").output);
 }
 

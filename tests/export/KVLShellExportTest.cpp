@@ -182,10 +182,16 @@ TEST(KVLShellExportMarkdown, AFunctionHasItsSignatureAndDoc) {
   Furnish(registry);
   const std::string text = KVLShellExportMarkdown(registry.Read());
   EXPECT_TRUE(Holds(text,
-                    "### `math/hypot`\n\n```\ndouble hypot(double a, double b=0)\n```\n\n"
+                    "### `math/hypot`\n\n```\ndouble hypot(double a, double b = 0)\n```\n\n"
                     "Length of (a, b). Never negative.\n"));
   EXPECT_TRUE(Holds(text, "## `math`\n\nScalar mathematics.\n"));
   EXPECT_TRUE(Holds(text, "### `math/pi`\n\n```\ndouble pi = 3.14\n```\n"));
+}
+
+TEST(KVLShellExportMarkdown, AFunctionIsDeclaredByTheNameThatItIsCalledBy) {
+  Registry registry;
+  registry.Publish("a/alias", new kvltest::TestFunction("own", "int", {{"x", "int", 3, "1"}}));
+  EXPECT_TRUE(Holds(KVLShellExportMarkdown(registry.Read()), "\nint alias(int& x = 1)\n"));
 }
 
 TEST(KVLShellExportMarkdown, OutputsHaveATable) {
@@ -255,14 +261,15 @@ TEST(KVLShellExportPages, ObjectsOfNoModuleGoByTheirTopmostEnvironment) {
   registry.PublishText("math/trig/y", "string", "");
   registry.PublishText("Math/z", "string", "");
   registry.PublishText("index/i", "string", "");
-  registry.PublishText("doc/math/trig", "string", "Angles. In radians.");
+  registry.PublishText("doc/math", "string", "Angles. In radians.");
   const std::vector<KVLShellExportPage> pages = KVLShellExportPages(WithoutModules(registry));
   std::vector<std::string> names;
   for (const KVLShellExportPage& page : pages)
     names.push_back(page.fileName);
   EXPECT_EQ(names, (kvltest::Strings{"index.md", "root.md", "math.md", "index-2.md", "math-2.md"}));
   EXPECT_TRUE(Holds(pages[0].text, "| [`math`](math-2.md) | 1 variable. | Angles. |\n"));
-  EXPECT_TRUE(Holds(pages[4].text, "# `math`\n\n1 variable.\n\n## `math/trig`\n"));
+  EXPECT_TRUE(
+      Holds(pages[4].text, "# `math`\n\n1 variable.\n\n## `math/trig`\n\n### `math/trig/y`"));
   EXPECT_FALSE(Holds(pages[4].text, "Math"));
 }
 
