@@ -24,6 +24,29 @@ double Clamp(double x, double low, double high) {
   return std::fmin(std::fmax(x, low), high);
 }
 
+double Pow(double base, double exponent) {
+  if (base == 0 && exponent < 0) throw std::domain_error("0 to the power of a negative number");
+  if (base < 0 && std::isfinite(base) && std::isfinite(exponent) &&
+      std::trunc(exponent) != exponent) {
+    throw std::domain_error("a negative number to a power that is not whole");
+  }
+  return std::pow(base, exponent);
+}
+
+double Log(double x) {
+  if (x <= 0) throw std::domain_error("logarithm of a number that is not positive");
+  return std::log(x);
+}
+
+double Mean(const KVLVector<double>& list) {
+  if (list.IsEmpty()) throw std::invalid_argument("mean of no numbers");
+  // Divided first, so that the sum does not grow beyond all numbers.
+  double mean = 0;
+  for (const double number : list)
+    mean += number / list.GetCount();
+  return mean;
+}
+
 void DivMod(int dividend, int divisor, Out<int> quotient, Out<int> remainder) {
   if (divisor == 0) throw std::domain_error("division by zero");
   if (divisor == -1 && dividend == std::numeric_limits<int>::min()) {
@@ -57,6 +80,23 @@ KVL_FUNCTION("math/lerp", "a, b, t = 0.5", "The number between a, at t = 0, and 
              [](double a, double b, double t) { return a + (b - a) * t; });
 KVL_FUNCTION("math/hypot", "a, b = 0", "The length of the vector (a, b).",
              [](double a, double b) { return std::hypot(a, b); });
+KVL_FUNCTION("math/pow", "base, exponent",
+             "The base to the power of the exponent. Fails where no real number is that: 0 to a "
+             "negative power, a negative number to one that is not whole.",
+             Pow);
+KVL_FUNCTION("math/exp", "x", "e to the power of x.", [](double x) { return std::exp(x); });
+KVL_FUNCTION("math/log", "x", "The natural logarithm. Fails where x is not positive.", Log);
+KVL_FUNCTION("math/abs", "x", "The number without its sign.",
+             [](double x) { return std::fabs(x); });
+KVL_FUNCTION("math/min", "a, b", "The lesser number; where one is nan, the other.",
+             [](double a, double b) { return std::fmin(a, b); });
+KVL_FUNCTION("math/max", "a, b", "The greater number; where one is nan, the other.",
+             [](double a, double b) { return std::fmax(a, b); });
+KVL_FUNCTION("math/floor", "x", "The greatest whole number that is not above x.",
+             [](double x) { return std::floor(x); });
+KVL_FUNCTION("math/ceil", "x", "The least whole number that is not below x.",
+             [](double x) { return std::ceil(x); });
+KVL_FUNCTION("math/mean", "list", "The arithmetic mean. Fails for no numbers.", Mean);
 KVL_FUNCTION("math/divmod", "dividend, divisor, quotient, remainder",
              "Divides whole numbers; the quotient is rounded towards 0. Fails where the divisor is "
              "0, or the quotient does not fit.",
