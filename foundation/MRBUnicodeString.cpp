@@ -243,6 +243,7 @@ unsigned int MRBUnicodeString::ComputeHashKey(const char* text, int count) noexc
 
 void MRBUnicodeString::InitFrom(const char* text, std::size_t count) {
   char* place = local;
+  std::memset(local, 0, sizeof local);  // so that equal texts have equal bits
   const bool isLong = count > LocalCapacity;
   if (isLong) {
     place = Allocate(count);

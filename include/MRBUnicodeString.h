@@ -73,8 +73,9 @@ class KVL_EXPORT MRBUnicodeString {
 
   /// Exact comparison, byte by byte.
   bool operator==(const MRBUnicodeString& other) const {
-    return length == other.length && std::memcmp(ConvertToChar(), other.ConvertToChar(),
-                                                 static_cast<std::size_t>(length)) == 0;
+    return length == other.length &&
+           (HasSameBits(other) || std::memcmp(ConvertToChar(), other.ConvertToChar(),
+                                              static_cast<std::size_t>(length)) == 0);
   }
   bool operator==(const char* text) const;
   bool operator!=(const MRBUnicodeString& other) const { return !(*this == other); }
@@ -149,6 +150,11 @@ class KVL_EXPORT MRBUnicodeString {
 
   bool IsLocal() const noexcept { return capacity <= LocalCapacity; }
   char* Data() noexcept { return IsLocal() ? local : heap; }
+  // True for most equal texts that live inside their objects, which costs no call; false for all
+  // others.
+  bool HasSameBits(const MRBUnicodeString& other) const noexcept {
+    return std::memcmp(static_cast<const void*>(this), &other, sizeof *this) == 0;
+  }
   // The former text must need no destruction.
   inline void CopyBitsOf(const MRBUnicodeString& other) noexcept;
   inline void TakeBitsOf(MRBUnicodeString& other) noexcept;
