@@ -2,12 +2,15 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
 
 #include "KVLIterCursors.h"
 #include "KVLKnownPaths.h"
+#include "KVLLookupMemory.h"
+#include "KVLLookups.h"
 #include "KVLNameTable.h"
 #include "KVLProcessState.h"
 #include "KVLSplitPath.h"
@@ -86,6 +89,24 @@ struct KVLCodeEnvImpl {
   KVLSmartPtr<Object> FindAggregated(const KVLSplitPath& path,
                                      Table<Object> KVLCodeEnvImpl::*table);
 
+  /// What lies under `place`, "/" and `name`, or under `name` alone. A memory is of one of both.
+  static KVLCodeObject* Recall(const KVLCodeEnv& env,
+                               std::unique_ptr<KVLLookupMemory> KVLCodeEnvImpl::*memory,
+                               const MRBUnicodeString& place, const MRBUnicodeString& name) {
+    KVLCodeEnvImpl& impl = *env.impl;
+    if (impl.*memory) {
+      const KVLLookupMemory::Entry& entry = (impl.*memory)->At(place, name);
+      if (entry.IsOf(place, name) && impl.IsWhole(entry)) return entry.GetObject();
+    }
+    return impl.FindAndRemember(impl.*memory, place, name);
+  }
+  KVLCodeObject* FindAndRemember(std::unique_ptr<KVLLookupMemory>& memory,
+                                 const MRBUnicodeString& place, const MRBUnicodeString& name);
+  // Aggregated environments may have what the own tables have not.
+  bool IsWhole(const KVLLookupMemory::Entry& entry) const {
+    return entry.GetObject() || aggregatedEnvs.IsEmpty();
+  }
+
   template <class Object>
   static NamedIter<Object> Iterate(const KVLCodeEnv& env, const AggregationPath* up,
                                    Table<Object> KVLCodeEnvImpl::*table);
@@ -97,6 +118,11 @@ struct KVLCodeEnvImpl {
   KVLKnownPaths knownPaths;
   KVLCodeEnvImpl* knownTo = nullptr;
   std::uint64_t knownHash = 0;
+  // What contexts looked for here lately: names, and names in the children of a name.
+  std::unique_ptr<KVLLookupMemory> types;
+  std::unique_ptr<KVLLookupMemory> conversions;
+  unsigned int nbPlainLookups = 0;    // those without a memory
+  std::uint64_t nbObjectChanges = 0;  // counts too many rather than too few
   KVLVector<KVLSmartPtr<KVLCodeEnv>> aggregatedEnvs;
   KVLCodeEnv* env;                        // dead when the record waits for its destruction
   bool isBeingSearched = false;           // set while its aggregated environments are
@@ -175,6 +201,7 @@ void KVLCodeEnvImpl::Destroy(KVLCodeEnvImpl* impl) {
     if (depth <= DeepestWhole) {
       record->LetAllGo();
     } else if (depth <= DeepestForObjects) {
+      ++record->nbObjectChanges;
       LetGo(record->objects);
     }
     --depth;
@@ -201,7 +228,9 @@ void KVLCodeEnvImpl::LetAllGo() {
   while (!IsEmpty()) {
     LetGo(aggregatedEnvs);
     ForgetPaths();
+    conversions.reset();  // it knows the children
     LetGo(subEnvs);
+    ++nbObjectChanges;
     LetGo(objects);
   }
 }
@@ -255,6 +284,7 @@ KVLCodeEnvImpl& KVLCodeEnvImpl::Walk(const KVLName& path, bool isToBeKnown) {
 // For a name that is absent.
 void KVLCodeEnvImpl::AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCodeObject& object) {
   const KVLKnownPaths::Objects former = objects.GetStorage();
+  ++nbObjectChanges;
   objects.Insert(std::move(name), hash, KVLSmartPtr<KVLCodeObject>(&object));
   if (knownTo && objects.GetStorage() != former) {
     knownTo->knownPaths.SetObjects(knownHash, *this, objects.GetStorage());
@@ -293,6 +323,38 @@ NamedIter<Object> KVLCodeEnvImpl::Iterate(const KVLCodeEnv& env, const Aggregati
   if (KVLFailed(flattened.GetStatus())) return KVLResult_OutOfMemory;
   return NamedIter<Object>(new (std::nothrow) KVLConcatenationCursor<Named<Object>>(
       std::move(own), std::move(flattened)));
+}
+
+KVLCodeObject* KVLCodeEnvImpl::FindAndRemember(std::unique_ptr<KVLLookupMemory>& memory,
+                                               const MRBUnicodeString& place,
+                                               const MRBUnicodeString& name) {
+  KVLCodeObject* const found =
+      Find(KVLSplitPath(place.IsEmpty() ? name : place + "/" + name), &KVLCodeEnvImpl::objects)
+          .Get();
+  // A name that is a path leads on from there.
+  const KVLSplitPath split(name);
+  if (split.name.length != static_cast<std::size_t>(name.GetLengthInByte())) return found;
+  if (!memory) {
+    // One that is asked now and then needs no memory.
+    constexpr int EnoughLookups = 8;
+    if (nbPlainLookups++ % EnoughLookups == EnoughLookups - 1) {
+      memory.reset(new (std::nothrow) KVLLookupMemory());
+    }
+    if (!memory) return found;
+  }
+  KVLCodeEnvImpl& holder = GetSub(KVLName(place), false);
+  const KVLSmartPtr<KVLCodeObject>* const own = holder.objects.Find(split.name);
+  memory->At(place, name).Set(place, name, own ? own->Get() : nullptr, holder.nbObjectChanges);
+  return found;
+}
+
+KVLCodeObject* KVLFindType(const KVLCodeEnv& types, const MRBUnicodeString& name) {
+  return KVLCodeEnvImpl::Recall(types, &KVLCodeEnvImpl::types, MRBUnicodeString(), name);
+}
+
+KVLCodeObject* KVLFindConversion(const KVLCodeEnv& conversions, const MRBUnicodeString& source,
+                                 const MRBUnicodeString& target) {
+  return KVLCodeEnvImpl::Recall(conversions, &KVLCodeEnvImpl::conversions, source, target);
 }
 
 KVLCodeEnv::KVLCodeEnv() : KVLCodeEnv(MRBUnicodeString()) {}
@@ -334,6 +396,7 @@ long KVLCodeEnv::Add(KVLSmartPtr<KVLCodeObject> object, const MRBUnicodeString& 
 long KVLCodeEnv::Remove(KVLCodeObject& object, const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, object, objectName);
+  ++env.impl->nbObjectChanges;
   const bool removed = env.impl->objects.Remove(
       KVLName(objectName),
       [&object](const KVLSmartPtr<KVLCodeObject>& held) { return held == &object; });
@@ -343,6 +406,7 @@ long KVLCodeEnv::Remove(KVLCodeObject& object, const MRBUnicodeString& path) {
 long KVLCodeEnv::Remove(const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, objectName);
+  ++env.impl->nbObjectChanges;
   const bool removed = env.impl->objects.Remove(
       KVLName(objectName), [](const KVLSmartPtr<KVLCodeObject>&) { return true; });
   return removed ? KVLResult_Success : KVLResult_Failure;

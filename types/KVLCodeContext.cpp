@@ -8,6 +8,7 @@
 #include "KVLCodeFunction.h"
 #include "KVLCodeFunctionCaller.h"
 #include "KVLCodeValue.h"
+#include "KVLLookups.h"
 #include "KVLResult.h"
 
 namespace {
@@ -17,32 +18,68 @@ bool Passes(const KVLCodeFunction::Param& param, const MRBUnicodeString& typeNam
   return param.typeName == typeName && (param.direction & direction) != 0;
 }
 
-// `source` is only lent: it may live on the stack, so that no counted pointer to it may arise, as
-// the caller's own setter would need.
-long SetSource(KVLCodeFunctionCaller& caller, const KVLCodeContext& context,
-               const KVLCodeValue& source) {
-  const KVLSmartPtr<KVLCodeValue> arg = caller.GetArg(0);
-  return arg ? arg->AssignFrom(context, source) : KVLResult_Failure;
-}
-
-// Sets the source, calls, and takes what comes back. A failure's code is returned; a call without a
-// returned value is one.
-long CallWith(KVLCodeFunctionCaller& caller, const KVLCodeContext& context,
-              const KVLCodeValue& source, KVLSmartPtr<KVLCodeValue>& returned) {
-  const long setResult = SetSource(caller, context, source);
-  if (KVLFailed(setResult)) return setResult;
-  const long callResult = caller.Call();
-  if (KVLFailed(callResult)) return callResult;
-  returned = caller.GetReturnedValue();
-  return returned ? KVLResult_Success : KVLResult_Failure;
-}
-
 // The code that a function with an output parameter reports by returning a negative "long".
 long ReportedResult(const KVLCodeValue& returned) {
   const void* const data = returned.GetValuePtr();
   if (!data || returned.GetTypeName() != "long") return KVLResult_Success;
   const std::int32_t code = *static_cast<const std::int32_t*>(data);
   return code < 0 ? code : KVLResult_Success;
+}
+
+// Sets the source and calls. `source` is only lent: it may live on the stack, so that no counted
+// pointer to it may arise, as the caller's own setter would need.
+inline long CallWith(KVLCodeFunctionCaller& caller, const KVLCodeContext& context,
+                     const KVLCodeValue& source) {
+  const KVLSmartPtr<KVLCodeValue> arg = caller.GetArg(0);
+  if (!arg) return KVLResult_Failure;
+  const long setResult = arg->AssignFrom(context, source);
+  return KVLFailed(setResult) ? setResult : caller.Call();
+}
+
+// Converts through the conversion registered from the type `sourceTypeName`.
+inline long ConvertThrough(const KVLCodeFunction& function, const MRBUnicodeString& sourceTypeName,
+                           const KVLCodeContext& context, const KVLCodeValue& from,
+                           KVLCodeValue& to) {
+  const KVLSmartPtr<KVLCodeFunctionCaller> caller = function.CreateCaller(context);
+  const int nbParameters = function.GetNbParameters();
+  if (!caller || nbParameters < 1 || nbParameters > 2 ||
+      !Passes(function.GetParam(0), sourceTypeName, KVLCodeFunction::Input)) {
+    return KVLResult_Failure;
+  }
+  const MRBUnicodeString& targetTypeName = to.GetTypeName();
+  const bool fits = nbParameters == 1
+                        ? function.GetReturnTypeName() == targetTypeName
+                        : Passes(function.GetParam(1), targetTypeName, KVLCodeFunction::Output);
+  if (!fits) return KVLResult_Failure;
+
+  const long callResult = CallWith(*caller, context, from);
+  if (KVLFailed(callResult)) return callResult;
+  const KVLSmartPtr<KVLCodeValue> returned = caller->GetReturnedValue();
+  if (!returned) return KVLResult_Failure;
+  if (nbParameters == 1) {
+    const long assignResult = to.AssignFrom(context, *returned);
+    return KVLFailed(assignResult) ? assignResult : KVLResult_Success;
+  }
+  const KVLSmartPtr<KVLCodeValue> converted = caller->GetArg(1);
+  const long assignResult = converted ? to.AssignFrom(context, *converted) : KVLResult_Failure;
+  return KVLFailed(assignResult) ? assignResult : ReportedResult(*returned);
+}
+
+// Goes on from the source's parent where the type `sourceTypeName` has no conversion of its own.
+long ConvertAsAncestor(const MRBUnicodeString& sourceTypeName, const KVLCodeContext& context,
+                       const KVLCodeValue& from, KVLCodeValue& to) {
+  MRBUnicodeString typeName = sourceTypeName;
+  for (;;) {
+    const KVLSmartPtr<const KVLCodeType> type = context.GetTypeFromName(typeName);
+    if (!type) return KVLResult_Failure;
+    typeName = type->GetParentTypeName();
+    if (typeName.IsEmpty()) return KVLResult_Failure;
+    const KVLSmartPtr<KVLCodeObject> found =
+        KVLFindConversion(context.GetConversionsCodeEnv(), typeName, to.GetTypeName());
+    if (const KVLCodeFunction* const function = found ? found->AsFunction() : nullptr) {
+      return ConvertThrough(*function, typeName, context, from, to);
+    }
+  }
 }
 
 }  // namespace
@@ -65,9 +102,9 @@ KVLCodeContext::~KVLCodeContext() {
 }
 
 KVLSmartPtr<const KVLCodeType> KVLCodeContext::GetTypeFromName(const MRBUnicodeString& name) const {
-  const KVLSmartPtr<KVLCodeObject> object = typesEnv->FindObject(name);
+  KVLCodeObject* const object = KVLFindType(*typesEnv, name);
   assert((!object || object->AsType()) && "the types environment holds something else than a type");
-  return static_cast<const KVLCodeType*>(object.Get());
+  return static_cast<const KVLCodeType*>(object);
 }
 
 void KVLCodeContext::KeepAlive(const MRBBaseUnknown_var& object) const {
@@ -79,40 +116,12 @@ void KVLCodeContext::KeepAliveAlloc(void* block) const {
 }
 
 long KVLCodeContext::Convert(const KVLCodeValue& from, KVLCodeValue& to) const {
-  const MRBUnicodeString& targetTypeName = to.GetTypeName();
-  MRBUnicodeString sourceTypeName = from.GetTypeName();
-  if (sourceTypeName == targetTypeName) return to.AssignFrom(*this, from);
-
-  KVLSmartPtr<KVLCodeObject> found;
-  const KVLCodeFunction* function = nullptr;
-  while (!sourceTypeName.IsEmpty()) {
-    found = conversionsEnv->FindObject(sourceTypeName + "/" + targetTypeName);
-    function = found ? found->AsFunction() : nullptr;
-    if (function) break;
-    const KVLSmartPtr<const KVLCodeType> sourceType = GetTypeFromName(sourceTypeName);
-    sourceTypeName = sourceType ? sourceType->GetParentTypeName() : MRBUnicodeString();
-  }
-  if (!function) return KVLResult_Failure;
-
-  const KVLSmartPtr<KVLCodeFunctionCaller> caller = function->CreateCaller(*this);
-  if (!caller) return KVLResult_Failure;
-
-  KVLSmartPtr<KVLCodeValue> returned;
-  const int nbParameters = function->GetNbParameters();
-  if (nbParameters == 1 && function->GetReturnTypeName() == targetTypeName &&
-      Passes(function->GetParam(0), sourceTypeName, KVLCodeFunction::Input)) {
-    const long callResult = CallWith(*caller, *this, from, returned);
-    if (KVLFailed(callResult)) return callResult;
-    const long assignResult = to.AssignFrom(*this, *returned);
-    return KVLFailed(assignResult) ? assignResult : KVLResult_Success;
-  }
-  if (nbParameters == 2 && Passes(function->GetParam(0), sourceTypeName, KVLCodeFunction::Input) &&
-      Passes(function->GetParam(1), targetTypeName, KVLCodeFunction::Output)) {
-    const long callResult = CallWith(*caller, *this, from, returned);
-    if (KVLFailed(callResult)) return callResult;
-    const KVLSmartPtr<KVLCodeValue> converted = caller->GetArg(1);
-    const long assignResult = converted ? to.AssignFrom(*this, *converted) : KVLResult_Failure;
-    return KVLFailed(assignResult) ? assignResult : ReportedResult(*returned);
-  }
-  return KVLResult_Failure;
+  const MRBUnicodeString& sourceTypeName = from.GetTypeName();
+  if (sourceTypeName == to.GetTypeName()) return to.AssignFrom(*this, from);
+  if (sourceTypeName.IsEmpty()) return KVLResult_Failure;
+  const KVLSmartPtr<KVLCodeObject> found =
+      KVLFindConversion(*conversionsEnv, sourceTypeName, to.GetTypeName());
+  const KVLCodeFunction* const function = found ? found->AsFunction() : nullptr;
+  return function ? ConvertThrough(*function, sourceTypeName, *this, from, to)
+                  : ConvertAsAncestor(sourceTypeName, *this, from, to);
 }

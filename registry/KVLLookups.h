@@ -1,0 +1,16 @@
+#ifndef KVL_LOOKUPS_H
+#define KVL_LOOKUPS_H
+
+#include "KVLCodeEnv.h"
+
+// The lookups of a context. What they find is borrowed: the environment that holds it may let it
+// go.
+
+/// What `types.FindObject(name)` finds, and makes on its way.
+KVLCodeObject* KVLFindType(const KVLCodeEnv& types, const MRBUnicodeString& name);
+
+/// What `conversions.FindObject(source + "/" + target)` finds, and makes on its way.
+KVLCodeObject* KVLFindConversion(const KVLCodeEnv& conversions, const MRBUnicodeString& source,
+                                 const MRBUnicodeString& target);
+
+#endif
