@@ -1,6 +1,7 @@
 #include "KVLKit.h"
 
 KVL_DOC("_types", "The types of values, by their names.");
+KVL_DOC("_members", "The methods of the types, by the types' names.");
 
 KVL_PUBLISH_TYPE(bool);
 KVL_DOC("_types/bool", "A truth value: \"true\" or \"false\".");

@@ -1,5 +1,7 @@
 #include <random>
 
+#include "KVLCodeFunctionCaller.h"
+#include "KVLCodeListValue.h"
 #include "LoadedModules.h"
 
 namespace {
@@ -72,7 +74,13 @@ TEST_F(Epsilon, SplitGivesEveryPiece) {
   EXPECT_EQ(Thrown("text/split", {"a", "\"\""}), "the separator must not be empty");
   EXPECT_EQ(Thrown("text/split", {std::string(1000000, ',').c_str()}),
             "the list would have more than 1000000 elements");
-  EXPECT_EQ(Call("text/split", {std::string(999999, ',').c_str()}).code, KVLResult_Success);
+  const auto caller =
+      KVLCodeEnv::GetDefault().FindObject("text/split")->AsFunction()->CreateCaller(context);
+  ASSERT_EQ(caller->SetArgStr(0, std::string(999999, ',').c_str()), KVLResult_Success);
+  ASSERT_EQ(caller->Call(), KVLResult_Success);
+  const auto* const pieces =
+      static_cast<const KVLCodeListValue::Elements*>(caller->GetReturnedValue()->GetValuePtr());
+  EXPECT_EQ(pieces->GetCount(), 1000000);
 }
 
 TEST_F(Epsilon, JoinAndConcatRefuseTextsThatAreTooLong) {

@@ -33,7 +33,7 @@ std::string Std(const MRBUnicodeString& text) {
 class Loaded {
  public:
   Loaded() {
-    if (moduleName == "all") {
+    if (IsAll()) {
       isLoaded = KVLCodeEnvAccess::Load() == KVLResult_Success;
     } else {
       handler = MRBGetEntryPoint(moduleName.c_str(), nullptr, nullptr, 1, 1, 0);
@@ -44,18 +44,20 @@ class Loaded {
   Loaded& operator=(const Loaded&) = delete;
   ~Loaded() { EXPECT_TRUE(Unload()); }
 
+  static bool IsAll() { return moduleName == "all"; }
   bool IsLoaded() const { return isLoaded; }
-  // True when there was nothing to unload, or it went well.
+  // True when it went well, or had been done.
   bool Unload() {
-    if (!isLoaded) return true;
-    isLoaded = false;
-    return moduleName == "all" ? KVLCodeEnvAccess::Unload() == KVLResult_Success
-                               : MRBCloseLibrary(handler) == 0;
+    if (isUnloaded) return true;
+    isUnloaded = true;
+    return IsAll() ? KVLCodeEnvAccess::Unload() == KVLResult_Success
+                   : MRBCloseLibrary(handler) == 0;
   }
 
  private:
   LibraryHandler handler{nullptr, nullptr};
-  bool isLoaded = false;
+  bool isLoaded;
+  bool isUnloaded = false;
 };
 
 using Objects = std::map<std::string, KVLSmartPtr<KVLCodeObject>>;
@@ -111,11 +113,27 @@ void ExpectNoAnomalies() {
     ADD_FAILURE() << anomaly.path << ": " << anomaly.message;
 }
 
+// What lies at the root is what users see first.
+TEST(ModuleConformanceOfAll, EveryEnvironmentAtTheRootHasADoc) {
+  if (!Loaded::IsAll()) return;
+  const Loaded modules;
+  for (const auto& child : KVLCodeEnv::GetDefault().IterOnSubEnvs()) {
+    const std::string name = Std(child.key);
+    if (name == "doc") continue;
+    const std::string plain = name.substr(name.find_first_not_of('_'));
+    const KVLSmartPtr<KVLCodeEnv> docs = KVLCodeEnv::GetDefault().FindSubEnv("doc");
+    EXPECT_TRUE(docs && docs->FindObject(plain.c_str())) << name;
+  }
+}
+
 // The roots are kept once made.
 class ModuleConformance : public testing::Test {
  protected:
-  static void SetUpTestSuite() { const KVLCodeContext context; }
-  void SetUp() override { ASSERT_EQ(Paths(), std::set<std::string>()); }
+  static void SetUpTestSuite() {
+    const KVLCodeContext context;
+    (void)KVLCodeEnv::GetDefaultMembersRoot();
+  }
+  void SetUp() override { ASSERT_TRUE(AllObjects().empty()); }
 };
 
 TEST_F(ModuleConformance, ItPublishes) {
@@ -211,6 +229,25 @@ TEST_F(ModuleConformance, EveryTypeMakesAValueWhoseTextReadsBack) {
   });
 }
 
+TEST_F(ModuleConformance, EveryEnumerationReadsItsValues) {
+  const Loaded module;
+  const KVLCodeContext context;
+  VisitObjects([&](const std::string& path, KVLCodeObject& object) {
+    KVLVector<MRBUnicodeString> names;
+    if (!object.AsType() || !object.AsType()->GetEnumValues(names)) return;
+    SCOPED_TRACE(path);
+    EXPECT_FALSE(names.IsEmpty());
+    const KVLSmartPtr<KVLCodeValue> value = object.AsType()->CreateValue("value");
+    for (const MRBUnicodeString& name : names) {
+      MRBUnicodeString text;
+      EXPECT_EQ(value->SetValueStr(context, name), KVLResult_Success) << name;
+      EXPECT_EQ(value->GetValueStr(context, text), KVLResult_Success);
+      EXPECT_EQ(text, name);
+    }
+    EXPECT_EQ(value->SetValueStr(context, ""), KVLResult_InvalidArgument);
+  });
+}
+
 TEST_F(ModuleConformance, EveryVariableIsOfATypeThatItsTextReadsBackTo) {
   const Loaded module;
   const KVLCodeContext context;
@@ -267,7 +304,7 @@ TEST_F(ModuleConformance, AThousandLoadsLeaveNothingBehind) {
     }
     ASSERT_TRUE(module.Unload()) << i;
     if (i % 100 == 0) {
-      ASSERT_EQ(Paths(), std::set<std::string>()) << i;
+      ASSERT_TRUE(AllObjects().empty()) << i;
     }
     // The first rounds fill what the platform and the registry keep.
     if (i == 9) {
