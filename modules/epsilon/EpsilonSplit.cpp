@@ -26,11 +26,11 @@ KVLVector<Text> Split(const Text& text, const Text& separator) {
 }
 
 // A text as it is; another value as it is written.
-Text TextOf(const KVLCodeContext& context, const KVLCodeValue& value) {
+Text TextOf(const KVLCodeContext& context, const KVLCodeValue* value) {
   kvl::Value converted(kvl::TableOf<Text>, "");
   Text text;
-  if (!KVLFailed(converted.AssignFrom(context, value))) return converted.Get<Text>();
-  if (!KVLFailed(value.GetValueStr(context, text))) return text;
+  if (value && !KVLFailed(converted.AssignFrom(context, *value))) return converted.Get<Text>();
+  if (value && !KVLFailed(value->GetValueStr(context, text))) return text;
   throw std::invalid_argument("an element cannot be written");
 }
 
@@ -38,7 +38,7 @@ Text Join(const KVLCodeContext& context, const Elements& list, const Text& separ
   Text joined;
   for (int i = 0; i < list.GetCount(); ++i) {
     if (i > 0) joined += separator;
-    joined += TextOf(context, *list[i]);
+    joined += TextOf(context, list[i].Get());
     EpsilonExpectRoom(joined.GetLengthInByte());
   }
   return joined;

@@ -87,7 +87,7 @@ double Sum(const KVLCodeContext& context, const Elements& list) {
   double sum = 0;
   for (int i = 0; i < list.GetCount(); ++i) {
     kvl::Value number(kvl::TableOf<double>, "");
-    if (KVLFailed(number.AssignFrom(context, *list[i]))) {
+    if (!list[i] || KVLFailed(number.AssignFrom(context, *list[i]))) {
       throw std::invalid_argument("element " + std::to_string(i) + " is no number");
     }
     sum += number.Get<double>();

@@ -230,6 +230,38 @@ TEST_F(Gamma, MapAndFilterRefuseWhatIsNoFunctionOfOneElement) {
   EXPECT_FALSE(KVLCodeEnv::GetDefault().FindSubEnv("mth"));
 }
 
+// What a caller makes who fills a list by hand.
+TEST_F(Gamma, AnEmptyPlaceInAListIsNoElement) {
+  const Value list = Make(List, "[1]");
+  KVLCodeListValue::Elements& elements = static_cast<KVLCodeListValue&>(*list).MakeOwnElements();
+  elements.Append(Make("int", "1"));
+  elements.Append(Value());
+  const struct {
+    const char* path;
+    const char* second;  // argument
+    const char* message;
+  } cases[] = {{"list/sum", nullptr, "element 1 is no number"},
+               {"list/sort", nullptr, "cannot compare int with void"},
+               {"list/map", "math/sqrt", "element 1 is no argument for 'math/sqrt'"},
+               {"list/filter", "math/clamp", "element 1 is no argument for 'math/clamp'"},
+               {"text/join", nullptr, "an element cannot be written"}};
+  EXPECT_EQ(Make("KVLVector<double>")->AssignFrom(context, *list), KVLResult_InvalidArgument);
+  for (const auto& call : cases) {
+    const auto caller =
+        KVLCodeEnv::GetDefault().FindObject(call.path)->AsFunction()->CreateCaller(context);
+    ASSERT_EQ(caller->SetArg(0, list), KVLResult_Success);
+    if (call.second) {
+      ASSERT_EQ(caller->SetArgStr(1, call.second), KVLResult_Success);
+    }
+    try {
+      (void)caller->Call();
+      ADD_FAILURE() << call.path;
+    } catch (const std::exception& exception) {
+      EXPECT_STREQ(exception.what(), call.message) << call.path;
+    }
+  }
+}
+
 // Has no values; interrupts the work when it is asked for the given time.
 class ImpatientSession : public KVLCodeSession {
  public:
