@@ -1,7 +1,7 @@
 #include "KVLCodeFunctionCaller.h"
 #include "KVLCodeListValue.h"
-#include "KVLCodeSession.h"
 #include "LoadedModules.h"
+#include "TestSession.h"
 
 namespace {
 
@@ -262,27 +262,13 @@ TEST_F(Gamma, AnEmptyPlaceInAListIsNoElement) {
   }
 }
 
-// Has no values; interrupts the work when it is asked for the given time.
-class ImpatientSession : public KVLCodeSession {
- public:
-  explicit ImpatientSession(int countOfAnswers) : remaining(countOfAnswers) {}
-  KVLSmartPtr<KVLCodeValue> FindVariable(const MRBUnicodeString&) const override { return nullptr; }
-  long SetVariable(const MRBUnicodeString&, KVLSmartPtr<KVLCodeValue>) override {
-    return KVLResult_Failure;
-  }
-  bool RemoveVariable(const MRBUnicodeString&) override { return false; }
-  void GetVariableNames(KVLVector<MRBUnicodeString>&) const override {}
-  bool IsInterrupted() const override { return --remaining < 0; }
-
-  mutable int remaining;
-};
-
 TEST_F(Gamma, MapAndFilterEndWhenTheSessionIsInterrupted) {
   for (const char* const path : {"list/map", "list/filter"}) {
-    ImpatientSession session(2);
+    TestSession session;
+    session.pollsUntilInterrupted = 2;
     context.SetSession(&session);
     EXPECT_EQ(Thrown(path, {"[1, 1, 1, 1, 1]", "math/sqrt"}), "interrupted");
-    EXPECT_EQ(session.remaining, -1);
+    EXPECT_EQ(session.polls, 3);
     context.SetSession(nullptr);
   }
 }
