@@ -37,46 +37,62 @@ void AppendBlanks(int count, MRBUnicodeString& text) {
   if (count > 0) text += MRBUnicodeString(blanks, count);
 }
 
+// The text of a cell, which `made` holds when it is not there yet.
+const MRBUnicodeString& CellText(const KVLShellNode& record, const char* column,
+                                 MRBUnicodeString& made) {
+  const KVLShellNode* const field = record.Find(column);
+  if (!field) {
+    made = MRBUnicodeString();
+    return made;
+  }
+  const bool isText = field->GetKind() == KVLShellNode::Text;
+  if (isText && !KVLShellNeedsEscapes(field->GetText())) return field->GetText();
+  made = KVLShellEscaped(field->ToText());
+  return made;
+}
+
 // Writes rows whose cells stand below one another.
 class Grid {
  public:
   Grid(const std::vector<KVLShellNode>& rowRecords, const char* const* columnNames, bool colored)
-      : records(rowRecords), columns(columnNames), isColored(colored) {}
+      : records(rowRecords), columns(columnNames), isColored(colored) {
+    while (columns[nbColumns])
+      ++nbColumns;
+    widths.resize(static_cast<std::size_t>(nbColumns));
+  }
 
   MRBUnicodeString Write() {
-    std::vector<std::vector<MRBUnicodeString>> rows;
-    rows.reserve(records.size());
-    for (const KVLShellNode& record : records)
-      rows.push_back(CellsOf(record));
+    MRBUnicodeString made;
+    for (const KVLShellNode& record : records) {
+      for (int i = 0; i < nbColumns; ++i) {
+        const int width = WidthOf(CellText(record, columns[i], made));
+        if (width <= WidestColumn) WidthAt(i) = std::max(WidthAt(i), width);
+      }
+    }
     MRBUnicodeString text;
-    for (const std::vector<MRBUnicodeString>& cells : rows)
-      WriteRow(cells, text);
+    for (const KVLShellNode& record : records)
+      WriteRow(record, text);
     return text;
   }
 
  private:
-  std::vector<MRBUnicodeString> CellsOf(const KVLShellNode& record) {
-    std::vector<MRBUnicodeString> cells;
-    for (int i = 0; columns[i]; ++i) {
-      const KVLShellNode* const field = record.Find(columns[i]);
-      cells.push_back(field ? KVLShellEscaped(field->ToText()) : MRBUnicodeString());
-      if (static_cast<int>(widths.size()) <= i) widths.push_back(0);
-      const int width = WidthOf(cells.back());
-      int& widest = widths[static_cast<std::size_t>(i)];
-      if (width <= WidestColumn) widest = std::max(widest, width);
-    }
-    while (!cells.empty() && cells.back().IsEmpty())
-      cells.pop_back();
-    return cells;
-  }
+  int& WidthAt(int column) { return widths[static_cast<std::size_t>(column)]; }
 
-  void WriteRow(const std::vector<MRBUnicodeString>& cells, MRBUnicodeString& text) const {
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      const bool isEnv = isColored && i == 0 && KVLStringOperations::EndsWith(cells[i], "/");
-      if (isEnv) text += Blue;
-      text += cells[i];
-      if (isEnv) text += Plain;
-      if (i + 1 < cells.size()) AppendBlanks(widths[i] - WidthOf(cells[i]) + ColumnGap, text);
+  // Blanks are written before a cell that is not empty, so that none ends the row.
+  void WriteRow(const KVLShellNode& record, MRBUnicodeString& text) {
+    MRBUnicodeString made;
+    int nbBlanks = 0;
+    for (int i = 0; i < nbColumns; ++i) {
+      const MRBUnicodeString& cell = CellText(record, columns[i], made);
+      if (!cell.IsEmpty()) {
+        AppendBlanks(nbBlanks, text);
+        nbBlanks = 0;
+        const bool isEnv = isColored && i == 0 && KVLStringOperations::EndsWith(cell, "/");
+        if (isEnv) text += Blue;
+        text += cell;
+        if (isEnv) text += Plain;
+      }
+      nbBlanks += std::max(0, WidthAt(i) - WidthOf(cell)) + ColumnGap;
     }
     text += "\n";
   }
@@ -84,6 +100,7 @@ class Grid {
   const std::vector<KVLShellNode>& records;
   const char* const* columns;
   const bool isColored;
+  int nbColumns = 0;
   std::vector<int> widths;
 };
 
@@ -125,17 +142,16 @@ void WriteValue(const KVLShellNode& value, MRBUnicodeString& text) {
 
 void WriteSheet(const KVLShellNode& record, bool isColored, MRBUnicodeString& text) {
   int width = LeastTitleWidth;
-  for (const KVLShellNode::Field& field : record.GetFields())
-    width = std::max(width, WidthOf(TitleOf(field.first)) + 2);
-  for (const KVLShellNode::Field& field : record.GetFields()) {
-    const KVLShellNode& node = field.second;
-    if (node.GetKind() == KVLShellNode::Null) continue;
-    if (node.GetKind() != KVLShellNode::List || !node.GetText().IsEmpty()) {
-      WriteEntry(TitleOf(field.first), width, node, isColored, text);
+  for (const KVLShellNode& field : record.GetFields())
+    width = std::max(width, WidthOf(TitleOf(field.GetName())) + 2);
+  for (const KVLShellNode& field : record.GetFields()) {
+    if (field.GetKind() == KVLShellNode::Null) continue;
+    if (field.GetKind() != KVLShellNode::List || !field.GetText().IsEmpty()) {
+      WriteEntry(TitleOf(field.GetName()), width, field, isColored, text);
       continue;
     }
-    for (const KVLShellNode& item : node.GetItems())
-      WriteEntry(SingularOf(TitleOf(field.first)), width, item, isColored, text);
+    for (const KVLShellNode& item : field.GetItems())
+      WriteEntry(SingularOf(TitleOf(field.GetName())), width, item, isColored, text);
   }
 }
 
@@ -163,13 +179,16 @@ KVLShellNode KVLShellNode::NewValue(const MRBUnicodeString& typeName,
 }
 
 KVLShellNode& KVLShellNode::Append(KVLShellNode item) {
-  items.push_back(std::move(item));
-  return items.back();
+  children.push_back(std::move(item));
+  return children.back();
 }
 
 KVLShellNode& KVLShellNode::Set(const char* fieldName, KVLShellNode content) {
-  fields.emplace_back(fieldName, std::move(content));
-  return fields.back().second;
+  constexpr std::size_t UsualCount = 3;
+  if (children.empty()) children.reserve(UsualCount);
+  children.push_back(std::move(content));
+  children.back().name = fieldName;
+  return children.back();
 }
 
 KVLShellNode& KVLShellNode::ShowAs(const MRBUnicodeString& shown) {
@@ -178,8 +197,8 @@ KVLShellNode& KVLShellNode::ShowAs(const MRBUnicodeString& shown) {
 }
 
 const KVLShellNode* KVLShellNode::Find(const char* fieldName) const {
-  for (const Field& field : fields)
-    if (std::strcmp(field.first, fieldName) == 0) return &field.second;
+  for (const KVLShellNode& field : children)
+    if (field.name && std::strcmp(field.name, fieldName) == 0) return &field;
   return nullptr;
 }
 
@@ -204,7 +223,7 @@ MRBUnicodeString KVLShellNode::ToText() const {
     case List: {
       if (!text.IsEmpty()) break;
       MRBUnicodeString joined;
-      for (const KVLShellNode& item : items) {
+      for (const KVLShellNode& item : children) {
         if (!joined.IsEmpty()) joined += ", ";
         joined += item.ToText();
       }

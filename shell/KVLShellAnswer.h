@@ -14,8 +14,6 @@ class KVLShellNode {
  public:
   enum Kind { Null, Bool, Integer, Real, Text, List, Record };
 
-  using Field = std::pair<const char*, KVLShellNode>;
-
   KVLShellNode() = default;
   KVLShellNode(const MRBUnicodeString& content) : kind(Text), text(content) {}
   KVLShellNode(MRBUnicodeString&& content) : kind(Text), text(std::move(content)) {}
@@ -29,6 +27,8 @@ class KVLShellNode {
   /// A record of "type" and "text" that texts show as the text.
   static KVLShellNode NewValue(const MRBUnicodeString& typeName, const MRBUnicodeString& valueText);
 
+  /// Makes room for as many items of a list.
+  void Reserve(int count) { children.reserve(static_cast<std::size_t>(count)); }
   /// Adds to a list, and returns what was added; valid until the next one.
   KVLShellNode& Append(KVLShellNode item);
   /// Adds a field to a record, and returns it; valid until the next one.
@@ -42,8 +42,12 @@ class KVLShellNode {
   double GetReal() const { return real; }
   /// The text, or what is shown in place of a list or record.
   const MRBUnicodeString& GetText() const { return text; }
-  const std::vector<KVLShellNode>& GetItems() const { return items; }
-  const std::vector<Field>& GetFields() const { return fields; }
+  /// Of a field: its name; else null.
+  const char* GetName() const { return name; }
+  /// The items of a list.
+  const std::vector<KVLShellNode>& GetItems() const { return children; }
+  /// The fields of a record, in the order in which they were set.
+  const std::vector<KVLShellNode>& GetFields() const { return children; }
   /// The field of that name, or null.
   const KVLShellNode* Find(const char* fieldName) const;
   /// As a text shows it, on one line or several.
@@ -51,11 +55,13 @@ class KVLShellNode {
 
  private:
   Kind kind = Null;
-  long long integer = 0;
-  double real = 0;
+  const char* name = nullptr;
+  union {
+    long long integer = 0;
+    double real;
+  };
   MRBUnicodeString text;
-  std::vector<KVLShellNode> items;
-  std::vector<Field> fields;
+  std::vector<KVLShellNode> children;
 };
 
 /// What a command found out, and how a text shows it. JSON shows `result` whole.

@@ -36,8 +36,8 @@ Json JsonOf(const KVLShellNode& node) {
     }
     case KVLShellNode::Record: {
       Json record = Json::object();
-      for (const KVLShellNode::Field& field : node.GetFields())
-        record[field.first] = JsonOf(field.second);
+      for (const KVLShellNode& field : node.GetFields())
+        record.emplace(field.GetName(), JsonOf(field));
       return record;
     }
   }

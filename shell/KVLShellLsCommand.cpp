@@ -48,7 +48,9 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork&, KVLShellA
       return true;
     });
   } else {
-    for (const KVLShellChild& child : KVLShellChildren(place.envs))
+    const KVLVector<KVLShellChild> children = KVLShellChildren(place.envs);
+    listing.GetRecords().Reserve(children.GetCount());
+    for (const KVLShellChild& child : children)
       listing.Add(child.label, *child.object);
   }
   if (!isDone) return KVLShellOutcome(KVLShellResult_Interrupted, "ls: interrupted");

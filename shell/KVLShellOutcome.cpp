@@ -56,6 +56,13 @@ MRBUnicodeString KVLShellPrintable(const MRBUnicodeString& text) {
   return KVLShellEscaped(text.SubString(0, end)) + "...";
 }
 
+bool KVLShellNeedsEscapes(const MRBUnicodeString& text) {
+  const char* const bytes = text.ConvertToChar();
+  for (int i = 0; i < text.GetLengthInByte(); ++i)
+    if (IsControl(bytes[i])) return true;
+  return false;
+}
+
 MRBUnicodeString KVLShellEscaped(const MRBUnicodeString& text) {
   const char* const bytes = text.ConvertToChar();
   const int length = text.GetLengthInByte();

@@ -36,6 +36,9 @@ MRBUnicodeString KVLShellMessageOf(const KVLShellOutcome& outcome);
 /// for the rest.
 MRBUnicodeString KVLShellPrintable(const MRBUnicodeString& text);
 
+/// True when `text` holds control characters.
+bool KVLShellNeedsEscapes(const MRBUnicodeString& text);
+
 /// `text` with control characters as \xHH.
 MRBUnicodeString KVLShellEscaped(const MRBUnicodeString& text);
 
