@@ -255,6 +255,7 @@ MRBUnicodeString KVLShellTextOf(const KVLShellAnswer& answer, bool isColored) {
     case KVLShellAnswer::Sheet:
       if (answer.result.GetKind() == KVLShellNode::Record) {
         WriteSheet(answer.result, isColored, text);
+        break;
       }
       for (const KVLShellNode& item : answer.result.GetItems())
         WriteSheet(item, isColored, text);
