@@ -10,6 +10,8 @@
 #include <ostream>
 #include <string_view>
 
+#include "KVLTextHash.h"
+
 // Invariants: `length` <= `capacity` or the text is in `local`, where up to LocalCapacity bytes fit
 // whatever `capacity` (at most LocalCapacity then) says; the byte behind the text is NUL; `heap`
 // has capacity + 1 bytes.
@@ -40,17 +42,6 @@ int Limited(std::int64_t place, int length) {
 
 bool IsSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-std::uint64_t Load64(const char* bytes) {
-  std::uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
-  hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
-  return hash ^ (hash >> 32);
 }
 
 // Whether the first of two numbers that lie side by side is the lower half of the two together.
@@ -230,15 +221,7 @@ int MRBUnicodeString::BuildFromNum(double value, const char* format) {
 }
 
 unsigned int MRBUnicodeString::ComputeHashKey(const char* text, int count) noexcept {
-  std::uint64_t hash = static_cast<std::uint64_t>(count);
-  int rest = count;
-  for (; rest >= 8; rest -= 8, text += 8)
-    hash = Mix(hash, Load64(text));
-  std::uint64_t tail = 0;
-  for (int i = 0; i < rest; ++i)
-    tail = tail << 8 | static_cast<unsigned char>(text[i]);
-  hash = Mix(Mix(hash, tail), 0);
-  return static_cast<unsigned int>(hash);
+  return static_cast<unsigned int>(KVLTextHash::Of(text, static_cast<std::size_t>(count)) >> 32);
 }
 
 void MRBUnicodeString::InitFrom(const char* text, std::size_t count) {

@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "KVLExport.h"
@@ -39,7 +40,9 @@ struct KVLHashKey<void*> {
 /// Map from keys to values whose entries lie in one contiguous array.
 ///
 /// Below 16 places the map is linear: it searches the entries one by one and keeps no buckets. From
-/// there on it hashes: as many buckets as places, each the head of a chain through the entries.
+/// there on it hashes: as many buckets as places, each the head of a chain through the entries. A
+/// bucket also tells roughly which hashes are in its chain, so that most keys that are absent are
+/// found to be so without a look at an entry.
 /// Filled one by one, the capacities are 1, 2, 4, 8, 23, 47, 97, 197, ...
 ///
 /// Iteration follows the storage order, which is the order of insertion, with one exception:
@@ -57,6 +60,10 @@ class KVLHashMap {
     K key;
     V value;
     Entry* next;  ///< the next entry of the same bucket's chain; null at its end
+
+    /// For `KVLVector`: as key and value do.
+    using MovesBitByBit =
+        std::conditional_t<KVLMovesBitByBit<K>() && KVLMovesBitByBit<V>(), void, bool>;
   };
 
   constexpr KVLHashMap() noexcept = default;
@@ -109,7 +116,7 @@ class KVLHashMap {
       }
       return nullptr;
     }
-    for (const Entry* entry = buckets[BucketOf(key)]; entry; entry = entry->next) {
+    for (const Entry* entry = FirstLike(HashOf(key)); entry; entry = entry->next) {
       if (entry->key == key) return &entry->value;
     }
     return nullptr;
@@ -120,8 +127,10 @@ class KVLHashMap {
   V& Insert(const K& key, const V& value) {
     Entry fresh{key, value, nullptr};
     Reserve(entries.GetCount() + 1);
-    Place(std::move(fresh));
-    return entries[entries.GetCount() - 1].value;
+    entries.Append(std::move(fresh));
+    Entry* const last = entries.end() - 1;
+    if (!buckets.IsEmpty()) Link(last);
+    return last->value;
   }
 
   /// Removes the first entry with that key; false when there is none.
@@ -139,28 +148,60 @@ class KVLHashMap {
   void Reserve(int needed);
 
  private:
+  // In the low half the number of a chain's first entry, counted from 1; in the high half a bit for
+  // each entry that is, or was, in the chain. 0 is an empty chain.
+  using Bucket = std::uint64_t;
+
   template <class Key>
-  int BucketOf(const Key& key) const {
-    const unsigned int hash = KVLHashKey<K>::Of(key);
-    return static_cast<int>(hash % static_cast<unsigned int>(buckets.GetCount()));
+  static unsigned int HashOf(const Key& key) {
+    return KVLHashKey<K>::Of(key);
+  }
+  Bucket& BucketOf(unsigned int hash) {
+    return buckets.GetData()[hash % static_cast<unsigned int>(buckets.GetCount())];
+  }
+  static Bucket MarkOf(unsigned int hash) {
+    return Bucket{1} << (32 + (static_cast<std::uint32_t>(hash * 0x9E3779B1u) >> 27));
   }
 
-  // Appends an entry for which there is room, and pushes it at the head of its chain.
-  void Place(Entry&& fresh) {
-    entries.Append(std::move(fresh));
-    if (buckets.IsEmpty()) return;
-    Entry& entry = entries[entries.GetCount() - 1];
-    Entry*& head = buckets[BucketOf(entry.key)];
-    entry.next = head;
-    head = &entry;
+  Entry* FirstOf(Bucket bucket) {
+    const std::uint32_t number = static_cast<std::uint32_t>(bucket);
+    return number == 0 ? nullptr : entries.GetData() + (number - 1);
+  }
+  // The first entry of the chain where a key is; null when there is none with its mark.
+  Entry* FirstLike(unsigned int hash) {
+    const Bucket bucket = BucketOf(hash);
+    return bucket & MarkOf(hash) ? FirstOf(bucket) : nullptr;
+  }
+  const Entry* FirstLike(unsigned int hash) const {
+    return const_cast<KVLHashMap*>(this)->FirstLike(hash);
+  }
+  void SetFirst(Bucket& bucket, const Entry* first) {
+    if (!first) {
+      bucket = 0;
+      return;
+    }
+    bucket = (bucket >> 32 << 32) | static_cast<std::uint32_t>(first - entries.GetData() + 1);
   }
 
-  // The link, in a bucket or in an entry, that designates `entry`, which must be in its chain.
-  Entry** LinkTo(const Entry* entry) {
-    Entry** link = &buckets[BucketOf(entry->key)];
-    while (*link != entry)
-      link = &(*link)->next;
-    return link;
+  // Pushes an entry at the head of its chain.
+  void Link(Entry* entry) {
+    const unsigned int hash = HashOf(entry->key);
+    Bucket& bucket = BucketOf(hash);
+    entry->next = FirstOf(bucket);
+    SetFirst(bucket, entry);
+    bucket |= MarkOf(hash);
+  }
+  // Puts `other`, which may be null, where `entry` is in the chain of its key.
+  void Replace(const Entry* entry, Entry* other) {
+    Bucket& bucket = BucketOf(HashOf(entry->key));
+    Entry* before = FirstOf(bucket);
+    if (before == entry) {
+      SetFirst(bucket, other);
+      return;
+    }
+    while (before->next != entry)
+      before = before->next;
+    before->next = other;
   }
 
   template <class Accept>
@@ -169,7 +210,7 @@ class KVLHashMap {
   void RemoveHashed(Entry* entry);
 
   KVLVector<Entry> entries;
-  KVLVector<Entry*> buckets;
+  KVLVector<Bucket> buckets;
 };
 
 template <class K, class V>
@@ -183,18 +224,12 @@ void KVLHashMap<K, V>::Reserve(int needed) {
     return;
   }
   const int nbBuckets = KVLHash_UpToNiceModulo(places);
-  if (entries.IsEmpty()) {
-    entries.Reserve(nbBuckets);
-    KVLVector<Entry*> emptyBuckets;
-    emptyBuckets.Resize(nbBuckets);
-    buckets.Swap(emptyBuckets);
-    return;
-  }
-  KVLHashMap fresh;
-  fresh.Reserve(nbBuckets);
+  entries.Reserve(nbBuckets);
+  KVLVector<Bucket> fresh;
+  fresh.Resize(nbBuckets);
+  buckets.Swap(fresh);
   for (Entry& entry : entries)
-    fresh.Place(std::move(entry));
-  Swap(fresh);
+    Link(&entry);
 }
 
 template <class K, class V>
@@ -208,7 +243,7 @@ bool KVLHashMap<K, V>::RemoveFirst(const K& key, Accept accept) {
     }
     return false;
   }
-  for (Entry* entry = buckets[BucketOf(key)]; entry; entry = entry->next) {
+  for (Entry* entry = FirstLike(HashOf(key)); entry; entry = entry->next) {
     if (!(entry->key == key) || !accept(*entry)) continue;
     RemoveHashed(entry);
     return true;
@@ -226,11 +261,11 @@ void KVLHashMap<K, V>::RemoveLinear(Entry* entry) {
 
 template <class K, class V>
 void KVLHashMap<K, V>::RemoveHashed(Entry* entry) {
-  *LinkTo(entry) = entry->next;
+  Replace(entry, entry->next);
   [[maybe_unused]] const Entry removed(std::move(*entry));
   Entry* const last = entries.end() - 1;
   if (entry != last) {
-    *LinkTo(last) = entry;
+    Replace(last, entry);
     *entry = std::move(*last);
   }
   entries.Resize(entries.GetCount() - 1);

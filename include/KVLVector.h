@@ -10,13 +10,28 @@
 #include <type_traits>
 #include <utility>
 
+template <class T, class Told = typename T::MovesBitByBit>
+constexpr bool KVLMovesBitByBit(int) {
+  return std::is_void_v<Told>;
+}
+template <class T>
+constexpr bool KVLMovesBitByBit(long) {
+  return std::is_trivially_copyable_v<T>;
+}
+/// Whether growth moves elements bit by bit: numbers, pointers and plain records, and a class whose
+/// member type `MovesBitByBit` is `void`.
+template <class T>
+constexpr bool KVLMovesBitByBit() {
+  return KVLMovesBitByBit<T>(0);
+}
+
 /// Growable array on the process heap's raw allocation calls.
 ///
 /// Growth takes max(needed, 2 x capacity) places: 1, 2, 4, 8, 16, ... under repeated appends.
 /// `Erase` moves the later elements down bit by bit, hence an element must survive that: strings,
 /// counted pointers, plain pointers and records of these do; a class that points into itself does
-/// not. Growth moves numbers, pointers and plain records so too, and elements of a class that has a
-/// member type `MovesBitByBit`; other elements move or copy themselves.
+/// not. Growth moves elements so too where `KVLMovesBitByBit` tells so; others move or copy
+/// themselves.
 ///
 /// Growth, `Reserve`, `Resize`, `Append` and `Erase` invalidate pointers and references to
 /// elements. Indexes are not checked. A failed raw allocation is not checked either: the places
@@ -93,7 +108,7 @@ class KVLVector {
   /// `places` is below the count or is the capacity already.
   void Reserve(int places) {
     if (places < count || places == capacity) return;
-    if constexpr (MovesBitByBit()) {
+    if constexpr (KVLMovesBitByBit<T>()) {
       if (BytesFor(capacity) >= LargeStorage() && places > 0) {
         Reallocate(places);
         return;
@@ -135,15 +150,6 @@ class KVLVector {
   }
 
  private:
-  template <class U>
-  static std::true_type SaysThatItMovesBitByBit(typename U::MovesBitByBit* type);
-  template <class U>
-  static std::false_type SaysThatItMovesBitByBit(...);
-
-  static constexpr bool MovesBitByBit() {
-    return std::is_trivially_copyable_v<T> || decltype(SaysThatItMovesBitByBit<T>(nullptr))::value;
-  }
-
   static constexpr bool IsZeroByDefault() {
     return std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T>;
   }
@@ -192,7 +198,7 @@ class KVLVector {
   // Moves the elements where that cannot throw, else copies them; either way `source` is left to
   // destroy what it has then.
   void TakeElementsOf(KVLVector& source) {
-    if constexpr (MovesBitByBit()) {
+    if constexpr (KVLMovesBitByBit<T>()) {
       if (source.count <= 0) return;
       std::memcpy(static_cast<void*>(data), static_cast<const void*>(source.data),
                   BytesFor(source.count));

@@ -71,6 +71,7 @@ struct KVLCodeEnvImpl {
 
   void AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCodeObject& object);
 
+  KVLSmartPtr<KVLCodeObject> FindObject(const MRBUnicodeString& path);
   template <class Object>
   KVLSmartPtr<Object> Find(const KVLSplitPath& path, Table<Object> KVLCodeEnvImpl::*table) {
     if (const KVLSmartPtr<Object>* const found = FindOwn(path, table)) return *found;
@@ -291,6 +292,21 @@ void KVLCodeEnvImpl::AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCod
   }
 }
 
+KVLSmartPtr<KVLCodeObject> KVLCodeEnvImpl::FindObject(const MRBUnicodeString& path) {
+  const KVLText text = KVLText::Of(path);
+  const KVLKnownPaths::Slot* const known = knownPaths.FindLatest(text);
+  if (known && !known->objects.IsNone()) {
+    const std::size_t start = knownPaths.GetLengthOf(*known) + 1;
+    const std::size_t length = text.length - start;
+    if (KVLSplitPath::LengthOfName(text.text, text.length) == length) {
+      const KVLName name(text.text + start, length);
+      if (const KVLSmartPtr<KVLCodeObject>* const found = known->objects.Find(name)) return *found;
+      if (aggregatedEnvs.IsEmpty()) return nullptr;
+    }
+  }
+  return Find(KVLSplitPath(path), &KVLCodeEnvImpl::objects);
+}
+
 template <class Object>
 KVLSmartPtr<Object> KVLCodeEnvImpl::FindAggregated(const KVLSplitPath& path,
                                                    Table<Object> KVLCodeEnvImpl::*table) {
@@ -413,7 +429,7 @@ long KVLCodeEnv::Remove(const MRBUnicodeString& path) {
 }
 
 KVLSmartPtr<KVLCodeObject> KVLCodeEnv::FindObject(const MRBUnicodeString& path) const {
-  return impl->Find(KVLSplitPath(path), &KVLCodeEnvImpl::objects);
+  return impl->FindObject(path);
 }
 
 KVLSmartPtr<KVLCodeEnv> KVLCodeEnv::FindSubEnv(const MRBUnicodeString& path) const {

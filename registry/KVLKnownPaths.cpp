@@ -1,16 +1,20 @@
 #include "KVLKnownPaths.h"
 
+#include <cstring>
 #include <new>
+
+#include "KVLSplitPath.h"
 
 void KVLKnownPaths::Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects) {
   // A free slot for each three that are taken.
   const std::size_t count = static_cast<std::size_t>(known.GetCount());
   if (!slots || count >= GetNbSlots() / 4 * 3) Grow();
   const int start = texts.GetCount();
-  texts.Resize(start + static_cast<int>(path.length));
+  const int length = static_cast<int>(path.length);
+  texts.Resize(start + length + 1);
   std::memcpy(&texts[start], path.text, path.length);
-  known.Append(
-      Known{&env, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(path.length)});
+  texts[start + length] = KVLPathSeparator;
+  known.Append(Known{&env, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)});
   Enter(path.hash, Slot{TagOf(path.hash), static_cast<std::uint32_t>(count + 1), objects});
 }
 
@@ -39,8 +43,8 @@ void KVLKnownPaths::Grow() {
   log2 = log2OfFresh;
   for (std::size_t i = 0; i < nbFormer; ++i) {
     if (former[i].known == 0) continue;
-    const Known& moved = known[static_cast<int>(former[i].known) - 1];
-    Enter(KVLName(texts.GetData() + moved.start, moved.length).hash, former[i]);
+    Enter(KVLName(TextOf(former[i])).hash, former[i]);
   }
   std::free(former);
+  latest = Latest();
 }

@@ -109,7 +109,7 @@ class KVLNameStorage {
     for (std::uint32_t slot = FirstSlotOf(name.hash);; slot = NextSlot(slot)) {
       const std::uint32_t content = index[slot];
       if ((content & ~placeMask) == tag) {
-        if (name == GetEntries()[content & placeMask].key) return slot;
+        if (name == KVLText::Of(GetEntries()[content & placeMask].key)) return slot;
       } else if (content == Free) {
         return NoSlot;
       }

@@ -17,24 +17,24 @@ class KVLSplitPath {
   KVLName env;   ///< before the last separator; empty when there is none
   KVLName name;  ///< after it
 
- private:
-  KVLSplitPath(const char* path, std::size_t length)
-      : KVLSplitPath(path, length, LengthOfName(path, length)) {}
-  KVLSplitPath(const char* path, std::size_t length, std::size_t lengthOfName)
-      : env(path, length == lengthOfName ? 0 : length - lengthOfName - 1),
-        name(path + (length - lengthOfName), lengthOfName) {}
-
-  // Eight bytes at a time, from the end.
+  /// The bytes behind the last separator; all where there is none. Takes eight at a time.
   static std::size_t LengthOfName(const char* path, std::size_t length) {
     std::size_t rest = length;
     for (; rest >= 8; rest -= 8) {
-      const std::uint64_t found = SeparatorsIn(KVLName::LoadWord(path + rest - 8));
+      const std::uint64_t found = SeparatorsIn(KVLTextHash::LoadWord(path + rest - 8));
       if (found != 0) return length - rest + NbBytesBehind(found);
     }
     while (rest > 0 && path[rest - 1] != KVLPathSeparator)
       --rest;
     return length - rest;
   }
+
+ private:
+  KVLSplitPath(const char* path, std::size_t length)
+      : KVLSplitPath(path, length, LengthOfName(path, length)) {}
+  KVLSplitPath(const char* path, std::size_t length, std::size_t lengthOfName)
+      : env(path, length == lengthOfName ? 0 : length - lengthOfName - 1),
+        name(path + (length - lengthOfName), lengthOfName) {}
 
   // The high bit of each byte that is a separator.
   static std::uint64_t SeparatorsIn(std::uint64_t word) {
