@@ -39,7 +39,7 @@ bool ReadName(std::string name, Figure& figure) {
     if (EndsWith(name, other)) return false;
   constexpr const char* Median = "_median";
   if (EndsWith(name, Median)) name.resize(name.size() - std::string(Median).size());
-  for (const char* const setting : {"/iterations:", "/repeats:"})
+  for (const char* const setting : {"/iterations:", "/repeats:", "/real_time"})
     name = name.substr(0, name.find(setting));
   const std::size_t slash = name.rfind('/');
   if (slash == std::string::npos) return false;
