@@ -324,12 +324,13 @@ class Page {
   }
 
   static std::string Source(const KVLShellModelObject& object) {
-    std::string source = object.module;
+    std::string source = KVLShellHtmlText(object.module);
     for (const KVLShellModelPlace& place : object.places) {
       const std::string text = KVLShellPlaceText(place);
-      if (!text.empty()) source += (source.empty() ? "" : " \xC2\xB7 ") + text;
+      if (text.empty()) continue;
+      source += (source.empty() ? "" : " \xC2\xB7 ") + TextElement("span class=\"place\"", text);
     }
-    return source.empty() ? "" : TextElement("p class=\"quiet\"", source) + "\n";
+    return source.empty() ? "" : Element("p class=\"quiet\"", source) + "\n";
   }
 
   // Conversions and anomalies.

@@ -116,7 +116,18 @@
 
   // The search: every word must occur in the path, the signature or the text of an object.
 
-  const haystacks = entries.map((entry) => entry.textContent.toLowerCase());
+  // What is searched and marked; where an object was registered says little about it.
+  function textsOf(entry) {
+    const texts = [];
+    const walker = document.createTreeWalker(entry, NodeFilter.SHOW_TEXT);
+    while (walker.nextNode()) {
+      if (!walker.currentNode.parentElement.closest(".place")) texts.push(walker.currentNode);
+    }
+    return texts;
+  }
+
+  const haystacks = entries.map((entry) =>
+    textsOf(entry).map((node) => node.data).join("").toLowerCase());
   const itemsByTarget = new Map(items.map((item) => [item.getAttribute("href"), item]));
   const itemOf = (entry) => itemsByTarget.get("#" + entry.id);
   const total = entries.length;
@@ -138,16 +149,15 @@
     if (!window.Highlight || !CSS.highlights) return;
     const ranges = [];
     for (const entry of words.length ? shown.slice(0, 200) : []) {
-      const walker = document.createTreeWalker(entry, NodeFilter.SHOW_TEXT);
-      while (walker.nextNode()) {
-        const text = walker.currentNode.data.toLowerCase();
+      for (const node of textsOf(entry)) {
+        const text = node.data.toLowerCase();
         // Letters that change their length with their case have no place to mark.
-        if (text.length !== walker.currentNode.data.length) continue;
+        if (text.length !== node.data.length) continue;
         for (const word of words) {
           for (let at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + word.length)) {
             const range = new Range();
-            range.setStart(walker.currentNode, at);
-            range.setEnd(walker.currentNode, at + word.length);
+            range.setStart(node, at);
+            range.setEnd(node, at + word.length);
             ranges.push(range);
           }
         }

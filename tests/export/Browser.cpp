@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -178,16 +178,29 @@ void Browser::SetScheme(const std::string& scheme) {
        {{"features", Json::array({{{"name", "prefers-color-scheme"}, {"value", scheme}}})}});
 }
 
-void Browser::Open(const std::string& address) {
-  // An address that differs from the last in its fragment alone would load nothing.
-  Call("Page.navigate", {{"url", "about:blank"}});
-  events.clear();
+void Browser::Navigate(const std::string& address) {
   const Json answer = Call("Page.navigate", {{"url", address}});
   if (answer.contains("errorText")) Fail(address + ": " + answer["errorText"].dump());
-  Evaluate(
-      "new Promise(done => { const look = () => document.documentElement?.dataset.ready ? done(1) "
-      ": "
-      "setTimeout(look, 5); look(); })");
+  const auto isLoaded = [](const Json& event) { return event["method"] == "Page.loadEventFired"; };
+  while (std::none_of(events.begin(), events.end(), isLoaded))
+    events.push_back(Receive());
+}
+
+void Browser::Open(const std::string& address) {
+  Call("Emulation.setScriptExecutionDisabled", {{"value", false}});
+  // An address that differs from the last in its fragment alone would load nothing.
+  events.clear();
+  Navigate("about:blank");
+  events.clear();
+  Navigate(address);
+}
+
+void Browser::OpenWithoutScripts(const std::string& address) {
+  Call("Emulation.setScriptExecutionDisabled", {{"value", true}});
+  events.clear();
+  Navigate("about:blank");
+  events.clear();
+  Navigate(address);
 }
 
 void Browser::Press(const std::string& key, bool withShift) {

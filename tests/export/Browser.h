@@ -31,9 +31,11 @@ class Browser {
   void SetScreen(int width, int height, double scale, bool isPhone);
   /// "light" or "dark".
   void SetScheme(const std::string& scheme);
-  /// Opens the address in a fresh page and waits until the page's script has run. Forgets the
-  /// requests that were made before.
+  /// Opens the address in place of what was open, and waits until it is there and its scripts have
+  /// run. Forgets the requests that were made before.
   void Open(const std::string& address);
+  /// The same with scripts turned off, until the next `Open`.
+  void OpenWithoutScripts(const std::string& address);
   /// Presses and lets go a key, such as "a", "/", "Enter" or "ArrowDown".
   void Press(const std::string& key, bool withShift = false);
   void Type(const std::string& text);
@@ -48,6 +50,7 @@ class Browser {
   void Start(const std::string& executable);
   void Send(const Json& message);
   Json Receive();
+  void Navigate(const std::string& address);
   Json CallIn(const std::string& callSession, const std::string& method, const Json& params);
 
   std::string profile;

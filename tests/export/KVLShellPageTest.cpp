@@ -201,6 +201,11 @@ TEST_F(Page, TypesAndWordsOfDocsAreFound) {
   EXPECT_EQ(ShownObjects(), (Strings{"math/trig/sin"}));
 }
 
+TEST_F(Page, PlacesOfRegistrationAreNotSearched) {
+  Open("#q=test.cpp");
+  EXPECT_EQ(ShownObjects(), Strings());
+}
+
 TEST_F(Page, ASearchForNothingThereSaysSo) {
   Open("#q=zzz");
   EXPECT_EQ(ShownObjects(), Strings());
@@ -353,10 +358,11 @@ TEST_F(Page, TextsStandOutInLightAndDark) {
 }
 
 TEST_F(Page, WithoutItsScriptThePageIsWhole) {
-  browser->Call("Emulation.setScriptExecutionDisabled", {{"value", true}});
-  browser->Call("Page.navigate", {{"url", address}});
-  browser->Call("Emulation.setScriptExecutionDisabled", {{"value", false}});
-  EXPECT_FALSE(ShownObjects().empty());
+  Open();
+  const std::size_t all = ShownObjects().size();
+  browser->OpenWithoutScripts(address);
+  EXPECT_EQ(Evaluate("document.documentElement.dataset.ready === undefined"), true);
+  EXPECT_EQ(ShownObjects().size(), all);
   EXPECT_FALSE(ShownItems().empty());
 }
 
