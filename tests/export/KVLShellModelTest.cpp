@@ -91,6 +91,10 @@ TEST(KVLShellTree, AggregationsInACircleEnd) {
   for (const char* const path : {"a/x", "a/b/y", "x"})
     EXPECT_EQ(At(model.objects, path).path, path);
   EXPECT_LT(model.envs.size(), 10u);
+  // Environments that hold one another would never die.
+  registry.Env("a/b").UnAggregateEnv(registry.Env("a"));
+  registry.Env("a").UnAggregateEnv(*registry.root);
+  registry.root->UnAggregateEnv(registry.Env("a"));
 }
 
 TEST(KVLShellTree, ManyWaysToOneEnvironmentAreGoneOnce) {
