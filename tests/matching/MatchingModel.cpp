@@ -22,8 +22,9 @@ bool Graph::Ask(int i, int j, void* data) {
   return graph.Has(i, j);
 }
 
-ReferenceMatching::ReferenceMatching(const Graph& edges)
+ReferenceMatching::ReferenceMatching(const Graph& edges, std::size_t failingQuestion)
     : graph(&edges),
+      failsAt(failingQuestion),
       known(static_cast<std::size_t>(edges.nbLeft) + 1,
             std::vector<bool>(static_cast<std::size_t>(edges.nbRight) + 1, false)),
       rightOf(static_cast<std::size_t>(edges.nbLeft) + 1, 0),
@@ -48,6 +49,7 @@ int ReferenceMatching::GetMatching(int i) {
 bool ReferenceMatching::Test(int i, int j) {
   std::vector<bool>& row = known[static_cast<std::size_t>(i)];
   if (!row[static_cast<std::size_t>(j)]) {
+    if (++nbQuestions == failsAt) throw NoAnswer();
     row[static_cast<std::size_t>(j)] = true;
     asked.emplace_back(i, j);
   }

@@ -3,11 +3,17 @@
 
 #include <cstddef>
 #include <random>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 /// One question to the predicate: left element, right element.
 using Pair = std::pair<int, int>;
+
+/// What a predicate throws instead of an answer.
+struct NoAnswer : std::runtime_error {
+  NoAnswer() : std::runtime_error("no answer") {}
+};
 
 /// Which pairs may be matched, and what the predicate has been asked about it.
 struct Graph {
@@ -41,11 +47,25 @@ struct Graph {
   }
 };
 
+/// A graph whose predicate does not answer one question.
+struct Fragile {
+  Graph graph;
+  std::size_t failsAt;  // the question, from 1, that is not answered; 0 for none
+  std::size_t nbCalls = 0;
+
+  static bool Ask(int i, int j, void* data) {
+    Fragile& fragile = *static_cast<Fragile*>(data);
+    if (++fragile.nbCalls == fragile.failsAt) throw NoAnswer();
+    return Graph::Ask(i, j, &fragile.graph);
+  }
+};
+
 /// The greedy pass and the phases of Hopcroft-Karp, written down step by step for reading. It gives
 /// the answers, and the questions in the order in which the predicate has to hear them.
 class ReferenceMatching {
  public:
-  explicit ReferenceMatching(const Graph& edges);
+  /// The question `failingQuestion`, from 1, is answered by a `NoAnswer`; 0 for none.
+  explicit ReferenceMatching(const Graph& edges, std::size_t failingQuestion = 0);
 
   bool HasFullMatching();
   int GetBestNbMatching();
@@ -65,6 +85,8 @@ class ReferenceMatching {
   bool Augment(int root);
 
   const Graph* graph;
+  std::size_t failsAt;
+  std::size_t nbQuestions = 0;
   std::vector<Pair> asked;
   std::vector<std::vector<bool>> known;
   std::vector<int> rightOf;  // by left element, from 1

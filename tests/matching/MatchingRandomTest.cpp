@@ -159,4 +159,76 @@ TEST(KVLAlgoMatchingRandom, LargerGraphsGiveTheGreatestMatchingFoundByAugmenting
   }
 }
 
+// Lists, rows of bits, and both: graphs of many words, from a partner each to half of all.
+Graph AnyLargeGraph(int round, std::mt19937& random) {
+  std::uniform_int_distribution<int> size(70, 220);
+  const int left = size(random);
+  const int right = round % 3 == 0 ? size(random) : left;
+  constexpr std::array<double, 6> Degrees = {1.0, 3.0, 5.0, 20.0, 60.0, 50.0};
+  const double degree = Degrees[static_cast<std::size_t>(round) % Degrees.size()];
+  Graph graph = Graph::Random(left, right, degree / right, random);
+  // Now and then the greedy pass meets nobody without a partner, and goes on to the end.
+  if (round % 2 == 0) {
+    std::uniform_int_distribution<int> any(1, right);
+    for (int i = 1; i <= left; ++i)
+      graph.Add(i, any(random));
+  }
+  // And some may be matched with nearly everyone.
+  if (round % 5 == 0) {
+    for (int j = 1; j <= right; j += 1 + round % 2)
+      graph.Add(left / 2, j).Add(left, j);
+  }
+  return graph;
+}
+
+TEST(KVLAlgoMatchingRandom, LargeSparseGraphsGiveThePartnersAndTheQuestionsOfTheReference) {
+  std::mt19937 random(Seed + 5);
+  for (int round = 0; round < 60; ++round) {
+    Graph graph = AnyLargeGraph(round, random);
+    SCOPED_TRACE(testing::Message() << "seed " << Seed + 5 << ", round " << round);
+    const auto& order = Orders[static_cast<std::size_t>(round) % Orders.size()];
+    KVLAlgoMatching matching(graph.nbLeft, graph.nbRight, Graph::Ask, &graph);
+    ReferenceMatching reference(graph);
+    for (const Question question : order)
+      ASSERT_TRUE(Agree(matching, reference, graph, question));
+    ASSERT_TRUE(AreDistinct(graph.asked));
+    ASSERT_EQ(graph.outOfRange, 0);
+  }
+}
+
+TEST(KVLAlgoMatchingRandom, AThrowingPredicateIsHeardOutInTheOrderOfTheReference) {
+  std::mt19937 random(Seed + 6);
+  int nbThrown = 0;
+  for (int round = 0; round < 120; ++round) {
+    const Graph graph = AnyLargeGraph(round, random);
+    std::uniform_int_distribution<std::size_t> any(1, graph.mayMatch.size());
+    Fragile fragile{graph, any(random)};
+    SCOPED_TRACE(testing::Message()
+                 << "seed " << Seed + 6 << ", round " << round << ", question " << fragile.failsAt);
+    KVLAlgoMatching matching(graph.nbLeft, graph.nbRight, Fragile::Ask, &fragile);
+    ReferenceMatching reference(graph, fragile.failsAt);
+    const auto& order = Orders[static_cast<std::size_t>(round) % Orders.size()];
+    for (int time = 0; time < 2; ++time) {
+      try {
+        const int best = matching.GetBestNbMatching();
+        EXPECT_EQ(reference.GetBestNbMatching(), best);
+      } catch (const NoAnswer&) {
+        ++nbThrown;
+        EXPECT_THROW(reference.GetBestNbMatching(), NoAnswer);
+        const std::size_t nbAsked = fragile.graph.asked.size();
+        KVLAlgoMatching copy(matching);
+        EXPECT_EQ(copy.GetBestNbMatching(), GreatestByAugmenting(graph));
+        EXPECT_TRUE(AreDistinct(fragile.graph.asked));
+        // The copy's questions are not the object's.
+        fragile.graph.asked.resize(nbAsked);
+      }
+      ASSERT_EQ(fragile.graph.asked, reference.GetAsked());
+    }
+    for (const Question question : order)
+      ASSERT_TRUE(Agree(matching, reference, fragile.graph, question));
+    ASSERT_TRUE(AreDistinct(fragile.graph.asked));
+  }
+  EXPECT_GT(nbThrown, 40);
+}
+
 }  // namespace

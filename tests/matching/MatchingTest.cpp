@@ -302,18 +302,6 @@ TEST_F(KVLAlgoMatchingCopy, AssignmentReplacesEverything) {
 
 // A predicate that throws.
 
-struct Fragile {
-  Graph graph;
-  std::size_t failsAt;  // the question, from 1, that is not answered; 0 for none
-  std::size_t nbCalls = 0;
-
-  static bool Ask(int i, int j, void* data) {
-    Fragile& fragile = *static_cast<Fragile*>(data);
-    if (++fragile.nbCalls == fragile.failsAt) throw std::runtime_error("no answer");
-    return Graph::Ask(i, j, &fragile.graph);
-  }
-};
-
 void ExpectTheTruth(KVLAlgoMatching& matching, const Graph& graph, int greatest) {
   const bool isFull = graph.nbLeft == graph.nbRight && greatest == graph.nbLeft;
   EXPECT_EQ(matching.GetBestNbMatching(), greatest);
