@@ -284,7 +284,7 @@ int CountMappings() {
 // used, unless the environment forbids it.
 std::size_t CountHeapBytes() {
   if (!std::getenv("GLIBC_TUNABLES")) return 0;
-#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 33)
+#if defined(__GLIBC__)
   return mallinfo2().uordblks;
 #else
   return 0;
