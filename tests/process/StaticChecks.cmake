@@ -42,6 +42,20 @@ if(NOT WIN32 AND CMAKE_NM)
                      "-DEXPORTS=${CMAKE_CURRENT_SOURCE_DIR}/KVLKernel.exports" -P
                      "${CMAKE_CURRENT_SOURCE_DIR}/CheckExports.cmake")
     set_tests_properties(Exports PROPERTIES TIMEOUT 60 LABELS process)
+    add_test(
+      NAME Relocations
+      COMMAND "${CMAKE_COMMAND}" "-DNM=${CMAKE_NM}" "-DREADELF=${CMAKE_READELF}"
+              "-DLIBRARY=$<TARGET_FILE:KVLKernel>" -P
+              "${CMAKE_CURRENT_SOURCE_DIR}/CheckRelocations.cmake")
+    set_tests_properties(Relocations PROPERTIES TIMEOUT 60 LABELS process)
+    add_test(
+      NAME ReleaseSize
+      COMMAND
+        "${CMAKE_COMMAND}" "-DSOURCE=${PROJECT_SOURCE_DIR}"
+        "-DWORK=${CMAKE_CURRENT_BINARY_DIR}/release" "-DGENERATOR=${CMAKE_GENERATOR}"
+        "-DCOMPILER=${CMAKE_CXX_COMPILER}" "-DSTRIP=${CMAKE_STRIP}" -DMOST=250000 -P
+        "${CMAKE_CURRENT_SOURCE_DIR}/CheckReleaseSize.cmake")
+    set_tests_properties(ReleaseSize PROPERTIES TIMEOUT 900 LABELS process)
   endif()
   add_test(NAME NoUniqueSymbols
            COMMAND "${CMAKE_COMMAND}" "-DNM=${CMAKE_NM}"
