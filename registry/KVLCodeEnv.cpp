@@ -273,9 +273,9 @@ KVLCodeEnvImpl& KVLCodeEnvImpl::Walk(const KVLName& path, bool isToBeKnown) {
   }
   if (!isToBeKnown || !isPlain) return *current;
   const bool isFirst = !current->knownTo;
-  knownPaths.Add(path, *current,
-                 isFirst ? current->objects.GetStorage() : KVLKnownPaths::Objects());
-  if (isFirst) {
+  const bool isKnown = knownPaths.Add(
+      path, *current, isFirst ? current->objects.GetStorage() : KVLKnownPaths::Objects());
+  if (isFirst && isKnown) {
     current->knownTo = this;
     current->knownHash = path.hash;
   }

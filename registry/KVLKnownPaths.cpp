@@ -5,7 +5,9 @@
 
 #include "KVLSplitPath.h"
 
-void KVLKnownPaths::Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects) {
+bool KVLKnownPaths::Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects) {
+  constexpr int MostTexts = 1 << 30;  // bytes
+  if (texts.GetCount() > MostTexts) return false;
   // A free slot for each three that are taken.
   const std::size_t count = static_cast<std::size_t>(known.GetCount());
   if (!slots || count >= GetNbSlots() / 4 * 3) Grow();
@@ -16,6 +18,7 @@ void KVLKnownPaths::Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects&
   texts[start + length] = KVLPathSeparator;
   known.Append(Known{&env, static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)});
   Enter(path.hash, Slot{TagOf(path.hash), static_cast<std::uint32_t>(count + 1), objects});
+  return true;
 }
 
 void KVLKnownPaths::SetObjects(std::uint64_t hash, const KVLCodeEnvImpl& env,

@@ -70,8 +70,8 @@ class KVLKnownPaths {
   std::size_t GetLengthOf(const Slot& slot) const { return known.GetData()[slot.known - 1].length; }
   KVLCodeEnvImpl& GetEnv(const Slot& slot) const { return *known.GetData()[slot.known - 1].env; }
 
-  /// Adds a path that is not known.
-  void Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects);
+  /// Adds a path that is not known; false when no more can be known.
+  bool Add(const KVLName& path, KVLCodeEnvImpl& env, const Objects& objects);
 
   /// Tells the objects of an environment that is known by a path of that hash.
   void SetObjects(std::uint64_t hash, const KVLCodeEnvImpl& env, const Objects& objects);
