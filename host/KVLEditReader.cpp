@@ -52,7 +52,8 @@ KVLEditReader::KVLEditReader(std::FILE* stream, const KVLShellEntries& entries)
   (void)el_set(editor, EL_GETCFN, ReadCharacter);
   (void)el_set(editor, EL_EDITOR, "emacs");
   (void)el_set(editor, EL_HIST, ::history, history);
-  (void)el_set(editor, EL_ADDFN, "kvl-complete", "Complete the word", CompleteLine);
+  // With wide texts, since of others libedit makes copies that it never gives back.
+  (void)el_wset(editor, EL_ADDFN, L"kvl-complete", L"Complete the word", CompleteLine);
   (void)el_set(editor, EL_BIND, "^I", "kvl-complete", nullptr);
   (void)el_set(editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
   // Ctrl with an arrow, as terminals send it.

@@ -102,6 +102,10 @@ std::FILE* KVLOpenToRead(const std::string& path) {
 }
 
 std::string KVLWhyNotLoaded(const std::string& library) {
+  // The kernel never asks the platform for such a one.
+  if (library.empty() || library.find_first_of("/\\") != std::string::npos) {
+    return "no library is called so";
+  }
   Dl_info kernel;
   const void* const inKernel = reinterpret_cast<const void*>(&MRBGetEntryPoint);
   if (dladdr(inKernel, &kernel) == 0 || !kernel.dli_fname) return "";

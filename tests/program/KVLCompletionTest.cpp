@@ -10,10 +10,10 @@ namespace {
 TEST(KVLCompletion, TabCompletesAWord) {
   Terminal terminal({"-q"}, {FreshHistory()});
   EXPECT_SHOWN(terminal, Prompt);
-  terminal.Type("conv\t");
-  EXPECT_SHOWN(terminal, "ert ");
-  terminal.Type("2 double\r");
-  EXPECT_SHOWN(terminal, "\r\n2\r\n");
+  terminal.Type("hel\t");
+  EXPECT_SHOWN(terminal, "p ");
+  terminal.Type("quit\r");
+  EXPECT_SHOWN(terminal, "\r\nquit");
 }
 
 TEST(KVLCompletion, TabListsWhatThereIsToChooseFrom) {

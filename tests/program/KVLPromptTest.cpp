@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <sstream>
@@ -114,6 +115,19 @@ TEST(KVLPrompt, AWindowMayBeResizedInTheMiddleOfALine) {
   terminal.Resize(narrow);
   terminal.Type("00 2\r");
   EXPECT_SHOWN(terminal, "\r\n10000002\r\n");
+}
+
+TEST(KVLPrompt, ALineGoesOnAfterAStop) {
+  Terminal terminal({"-q"}, {FreshHistory()});
+  EXPECT_SHOWN(terminal, Prompt);
+  terminal.Type("call math/add 1");
+  EXPECT_SHOWN(terminal, "add 1");
+  terminal.Signal(SIGSTOP);
+  terminal.Signal(SIGCONT);
+  EXPECT_SHOWN(terminal, "call math/add 1");
+  EXPECT_FALSE(terminal.Echoes());
+  terminal.Type(" 2\r");
+  EXPECT_SHOWN(terminal, "\r\n3\r\n");
 }
 
 TEST(KVLPrompt, CharactersOfSeveralBytesAreOneCharacterEach) {

@@ -139,6 +139,17 @@ TEST(KVLStreams, ModulesTellsWhatWasRefused) {
   EXPECT_EQ(ended.error.find("KVLCodeEnv_Slow"), std::string::npos);
 }
 
+TEST(KVLStreams, AModuleIsNamedWithoutAFolder) {
+  const KVLEnded ended =
+      RunScript("KVLCodeEnv_Modules=\"../bin/libKVLCodeEnv_Slow\" \"$KVL\" -c 'ls slow'");
+  EXPECT_EQ(ended.exitCode, KVLExit_NotFound);
+  EXPECT_EQ(
+      ended.error.find("kvl: module '../bin/libKVLCodeEnv_Slow' was not loaded: no library is "
+                       "called so\n"),
+      0u)
+      << ended.error;
+}
+
 TEST(KVLStreams, AModuleThatTheUserNamedIsMissedAloud) {
   const std::string text = "KVLCodeEnv_Modules=KVLCodeEnv_Gone \"$KVL\" -c 'call math/add 1 2'";
   const KVLEnded ended = RunScript(text);
