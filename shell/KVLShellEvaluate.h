@@ -22,4 +22,14 @@ KVLShellOutcome KVLShellEvaluate(const KVLShellExpression& expression, KVLShellW
 KVLShellOutcome KVLShellSetArguments(const KVLShellExpression& expression, KVLShellWork& work,
                                      KVLShellCall& call, KVLVector<int>* openParameters);
 
+/// The text of a list from those of its elements, which are evaluated. `elementTypeName`: theirs,
+/// empty when they differ.
+KVLShellOutcome KVLShellWriteList(const KVLShellExpression& list, KVLShellWork& work,
+                                  MRBUnicodeString& text, MRBUnicodeString& elementTypeName);
+
+/// The outcomes for a word that leads nowhere, and for a session value that is not set.
+KVLShellOutcome KVLShellUnknownWord(const KVLShellExpression& word, const KVLShellWork& work);
+KVLShellOutcome KVLShellUnknownVariable(const MRBUnicodeString& name, const KVLShellWork& work,
+                                        int position);
+
 #endif

@@ -77,6 +77,10 @@ bool KVLShellIsNumber(const MRBUnicodeString& word) {
   return IsDigit(first) || (first == '.' && IsDigit(start[isSigned ? 2 : 1]));
 }
 
+bool KVLShellIsTruth(const MRBUnicodeString& word) {
+  return word == "true" || word == "false";
+}
+
 KVLSmartPtr<KVLCodeValue> KVLShellReadScalar(const KVLCodeContext& context,
                                              const MRBUnicodeString& text) {
   for (const char* const typeName : {"bool", "int", "int64"}) {

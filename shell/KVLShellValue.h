@@ -23,6 +23,9 @@ KVLSmartPtr<KVLCodeValue> KVLShellReadAs(const KVLCodeContext& context,
 /// point.
 bool KVLShellIsNumber(const MRBUnicodeString& word);
 
+/// True for a word that is meant as a truth value.
+bool KVLShellIsTruth(const MRBUnicodeString& word);
+
 /// The value that a text stands for where no type is expected: a bool, an int, an int64 or a
 /// double, whichever reads it first; null when none does.
 KVLSmartPtr<KVLCodeValue> KVLShellReadScalar(const KVLCodeContext& context,
