@@ -280,8 +280,8 @@ int CountMappings() {
 #endif
 }
 
-// 0 where it cannot be told: threads of the C library keep freed blocks in caches, which count as
-// used, unless the environment forbids it.
+// 0 where it cannot be told: the C library keeps freed blocks in caches, where they count as used,
+// unless the environment forbids it.
 std::size_t CountHeapBytes() {
   if (!std::getenv("GLIBC_TUNABLES")) return 0;
 #if defined(__GLIBC__)
