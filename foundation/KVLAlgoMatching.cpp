@@ -72,6 +72,22 @@ int FirstIn(std::uint64_t bits, int word) {
   return FirstOf(word) + __builtin_clzll(bits);
 }
 
+// Writes the right elements of these bits down; returns the end. There is room for one more.
+int* ListBits(std::uint64_t bits, int word, int* end) {
+  int j = FirstOf(word);
+  if (bits == AllBits) {
+    for (int k = 0; k < WordBits; ++k)
+      end[k] = j + k;
+    return end + WordBits;
+  }
+  // Without a branch: each is written, and the next one over it unless it is wanted.
+  for (; bits != 0; bits <<= 1) {
+    *end = j++;
+    end += bits >> (WordBits - 1);
+  }
+  return end;
+}
+
 }  // namespace
 
 /// What a search of paths works with.
@@ -79,8 +95,9 @@ struct KVLAlgoMatching::Search {
   Search(int nbLeft, int nbRight) {
     all.Resize(nbRight);
     std::iota(all.begin(), all.end(), 1);
+    rest.Resize(nbRight + 1);
     list.Resize(nbRight + 1);
-    queue.Resize(nbLeft);
+    queue.Resize(nbLeft + 1);
     path.Resize(nbLeft + 1);
   }
 
@@ -91,9 +108,10 @@ struct KVLAlgoMatching::Search {
     int place;  // how far the row of `x` has been walked
   };
 
-  KVLVector<int> all;   // right elements
-  KVLVector<int> list;  // of partners; with room for one more
-  KVLVector<int> queue;
+  KVLVector<int> all;    // right elements
+  KVLVector<int> rest;   // those to ask about; with room for one more
+  KVLVector<int> list;   // of partners; with room for one more
+  KVLVector<int> queue;  // with room for one more
   KVLVector<Step> path;
 };
 
@@ -107,7 +125,6 @@ KVLAlgoMatching::KVLAlgoMatching(int nbLeft, int nbRight, Predicate mayMatch, vo
       hasFull(false),
       fullComputed(false),
       bestComputed(false),
-      distNil(0),
       nbTried(0),
       nbUnknown(n1),
       askers(asking) {
@@ -170,13 +187,7 @@ void KVLAlgoMatching::AskInWord(int i, int word, std::uint64_t wanted, Asker ask
     Round round;
   } answers{RowOf(asked, i)[word],     RowOf(edges, i)[word], wanted, places, found,
             {i, places, places, found}};
-  // Without a branch: each is written, and the next one over it unless it is wanted.
-  int* end = places;
-  int j = FirstOf(word);
-  for (std::uint64_t bits = wanted & ~answers.asked; bits != 0; bits <<= 1) {
-    *end = j++;
-    end += bits >> (WordBits - 1);
-  }
+  const int* const end = ListBits(wanted & ~answers.asked, word, places);
   if (end == places) return;
   answers.round.end = end;
   asker(predicate, data, answers.round);
@@ -276,11 +287,12 @@ void KVLAlgoMatching::KnowRow(int i, Search& search) {
   Row& row = rows[i - 1];
   if (row.start >= 0 || row.start == InEdges) return;
   const int* const list = search.list.GetData();
-  const int count = row.start == NothingAsked ? KnowFreshRow(i, search) : KnowRestOfRow(i, search);
+  const int count = row.start == NothingAsked
+                        ? AskRow(i, search.all.begin(), search.all.end(), search)
+                        : AskRestOfRow(i, search);
   --nbUnknown;
   if (count > LongestListFor(n2)) {
-    for (int k = 0; k < count; ++k)
-      RowOf(edges, i)[WordOf(list[k])] |= BitOf(list[k]);
+    NoteAsEdges(i, list, list + count);
     row.start = InEdges;
     return;
   }
@@ -289,39 +301,47 @@ void KVLAlgoMatching::KnowRow(int i, Search& search) {
     partners.Append(list[k]);
 }
 
-// About all right elements, of which none has been asked about. Returns how many are in the list.
-int KVLAlgoMatching::KnowFreshRow(int i, Search& search) {
+// Asks about these right elements. Returns how many may be matched, which are then in the list of
+// the search. Where the predicate throws, what it answered before goes to the tables.
+int KVLAlgoMatching::AskRow(int i, const int* begin, const int* end, Search& search) {
   struct Answers {
     ~Answers() {
-      if (round.next != round.end) matching.StoreAnswers(round, search);
+      if (round.next == round.end) return;
+      for (const int* j = begin; j != round.next; ++j)
+        matching.RowOf(matching.asked, round.left)[WordOf(*j)] |= BitOf(*j);
+      matching.NoteAsEdges(round.left, list, round.found);
+      matching.rows[round.left - 1].start = SomeAsked;
     }
     KVLAlgoMatching& matching;
-    const Search& search;
+    const int* const begin;
+    const int* const list;
     Round round;
-  } answers{*this, search, {i, search.all.begin(), search.all.end(), search.list.begin()}};
+  } answers{*this, begin, search.list.begin(), {i, begin, end, search.list.begin()}};
   askers.all(predicate, data, answers.round);
-  return static_cast<int>(answers.round.found - search.list.begin());
+  return static_cast<int>(answers.round.found - answers.list);
 }
 
-// About the others where some have been asked about.
-int KVLAlgoMatching::KnowRestOfRow(int i, Search& search) {
-  int* end = search.list.GetData();
-  for (int word = 0; word < WordsFor(n2); ++word) {
-    AskInWord(i, word, BitsOf(word, n2), askers.all);
+// Asks about those right elements about whom that has not been done, and lists all who may be
+// matched.
+int KVLAlgoMatching::AskRestOfRow(int i, Search& search) {
+  const int nbWords = WordsFor(n2);
+  int* end = search.rest.GetData();
+  for (int word = 0; word < nbWords; ++word)
+    end = ListBits(~RowOf(asked, i)[word] & BitsOf(word, n2), word, end);
+  int* const list = search.list.GetData();
+  const int count = AskRow(i, search.rest.GetData(), end, search);
+  NoteAsEdges(i, list, list + count);
+  end = list;
+  for (int word = 0; word < nbWords; ++word) {
     for (std::uint64_t bits = RowOf(edges, i)[word]; bits != 0; bits ^= BitOf(end[-1]))
       *end++ = FirstIn(bits, word);
   }
-  return static_cast<int>(end - search.list.GetData());
+  return static_cast<int>(end - list);
 }
 
-// Keeps the answers of a round about all right elements that the predicate did not answer to its
-// end.
-void KVLAlgoMatching::StoreAnswers(const Round& round, const Search& search) {
-  for (const int* j = search.all.begin(); j != round.next; ++j)
-    RowOf(asked, round.left)[WordOf(*j)] |= BitOf(*j);
-  for (const int* j = search.list.begin(); j != round.found; ++j)
-    RowOf(edges, round.left)[WordOf(*j)] |= BitOf(*j);
-  rows[round.left - 1].start = SomeAsked;
+void KVLAlgoMatching::NoteAsEdges(int i, const int* begin, const int* end) {
+  for (; begin != end; ++begin)
+    RowOf(edges, i)[WordOf(*begin)] |= BitOf(*begin);
 }
 
 // The next right element that left element `i`, of whom all is known, may be matched with; 0 behind
@@ -345,58 +365,60 @@ int KVLAlgoMatching::NextPartner(int i, int& place) const {
 // Builds the layers of a phase; false when no augmenting path is left.
 bool KVLAlgoMatching::BFS(Search& search) {
   int* const queue = search.queue.GetData();
+  int* const layers = dist.GetData();
   int nbQueued = 0;
+  layers[0] = Infinity;
   for (int i = 1; i <= n1; ++i) {
     const bool isFree = matchLeft[i - 1] == 0;
-    dist[i - 1] = isFree ? 0 : Infinity;
-    if (isFree) queue[nbQueued++] = i;
+    layers[i] = isFree ? 0 : Infinity;
+    queue[nbQueued] = i;
+    nbQueued += isFree;
   }
-  distNil = Infinity;
   for (int front = 0; front < nbQueued; ++front) {
     const int u = queue[front];
-    const int next = dist[u - 1] + 1;
-    if (next > distNil) break;
+    const int next = layers[u] + 1;
+    if (next > layers[0]) break;
     KnowRow(u, search);
     // Who is put into the last layer from here on is a dead end, in which only questions are asked.
-    if (next == distNil && nbUnknown == 0) break;
+    if (next == layers[0] && nbUnknown == 0) break;
     int place = 0;
     while (const int j = NextPartner(u, place)) {
+      // Without a branch, since nobody can foretell who is new.
       const int w = matchRight[j - 1];
-      if (w == 0) {
-        distNil = next;
-      } else if (dist[w - 1] == Infinity) {
-        dist[w - 1] = next;
-        queue[nbQueued++] = w;
-      }
+      const bool isNew = layers[w] == Infinity;
+      layers[w] = isNew ? next : layers[w];
+      queue[nbQueued] = w;
+      nbQueued += isNew & (w != 0);
     }
   }
-  return distNil != Infinity;
+  return layers[0] != Infinity;
 }
 
 // Searches one augmenting path from `u` along the layers, and augments along it. A path may pass
 // through every element: the stack is explicit.
 bool KVLAlgoMatching::DFS(int u, Search& search) {
   Search::Step* const path = search.path.GetData();
+  int* const layers = dist.GetData();
   int top = 0;
   path[0] = {u, 0, 0};
   for (;;) {
     Search::Step& step = path[top];
-    const int next = dist[step.x - 1] + 1;
+    const int next = layers[step.x] + 1;
     int w = 0;
     while ((step.j = NextPartner(step.x, step.place)) != 0) {
       w = matchRight[step.j - 1];
-      if ((w == 0 ? distNil : dist[w - 1]) == next) break;
+      if (layers[w] == next) break;
     }
     if (step.j == 0) {
       // Only layers from 1 up are followed, so that 0 marks a dead end for the rest of the phase.
-      dist[step.x - 1] = 0;
+      layers[step.x] = 0;
       if (--top < 0) return false;
     } else if (w == 0) {
       break;
-    } else if (next == distNil) {
+    } else if (next == layers[0]) {
       // A path of that length has its end here, and w is taken.
       KnowRow(w, search);
-      dist[w - 1] = 0;
+      layers[w] = 0;
     } else {
       path[++top] = {w, 0, 0};
     }
@@ -411,7 +433,7 @@ void KVLAlgoMatching::OptimizeMatching() {
   const int most = n1 < n2 ? n1 : n2;
   if (nbMatched < most) {
     if (rows.IsEmpty()) {
-      dist.Resize(n1);
+      dist.Resize(n1 + 1);
       partners.Reserve(n1);
       rows.Reserve(n1);
       for (int i = 1; i <= n1; ++i)

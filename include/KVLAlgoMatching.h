@@ -62,8 +62,8 @@ class KVL_EXPORT KVLAlgoMatching {
     Asker all;
     Asker one;  // ends once one is found
   };
-  KVL_LOCAL static void AskAll(Predicate predicate, void* data, Round& round);
-  KVL_LOCAL static void AskForOne(Predicate predicate, void* data, Round& round);
+  KVL_LOCAL static inline void AskAll(Predicate predicate, void* data, Round& round);
+  KVL_LOCAL static inline void AskForOne(Predicate predicate, void* data, Round& round);
 
   /// How far a round is, in registers meanwhile; written back also where the predicate throws.
   struct Progress {
@@ -91,9 +91,9 @@ class KVL_EXPORT KVLAlgoMatching {
   void OptimizeMatching();
   void ComputeBestMatching();
   void KnowRow(int i, Search& search);
-  int KnowFreshRow(int i, Search& search);
-  int KnowRestOfRow(int i, Search& search);
-  void StoreAnswers(const Round& round, const Search& search);
+  int AskRow(int i, const int* begin, const int* end, Search& search);
+  int AskRestOfRow(int i, Search& search);
+  void NoteAsEdges(int i, const int* begin, const int* end);
   void AskInWord(int i, int word, std::uint64_t wanted, Asker asker);
   std::uint64_t* RowOf(KVLVector<std::uint64_t>& table, int i);
   int NextPartner(int i, int& place) const;
@@ -112,8 +112,7 @@ class KVL_EXPORT KVLAlgoMatching {
   bool hasFull;
   bool fullComputed;
   bool bestComputed;
-  KVLVector<int> dist;  // the layer of each left element
-  int distNil;
+  KVLVector<int> dist;  // the layer of each left element; before them, of the end of a path
   KVLVector<std::uint64_t> asked;  // the same: about whom a question has been asked, as far as
                                    // `rows` does not say that
   int nbTried;                     // the left elements that the greedy pass came to
