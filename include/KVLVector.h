@@ -58,6 +58,7 @@ class KVLVector {
   /// Takes over the storage of `other`, which is left empty.
   KVLVector(KVLVector&& other) noexcept : KVLVector() { Swap(other); }
   ~KVLVector() {
+    if (!data) return;
     DestroyDownTo(0);
     std::free(data);
   }

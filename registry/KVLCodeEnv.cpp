@@ -90,19 +90,23 @@ struct KVLCodeEnvImpl {
   KVLSmartPtr<Object> FindAggregated(const KVLSplitPath& path,
                                      Table<Object> KVLCodeEnvImpl::*table);
 
-  /// What lies under `place`, "/" and `name`, or under `name` alone. A memory is of one of both.
-  static KVLCodeObject* Recall(const KVLCodeEnv& env,
-                               std::unique_ptr<KVLLookupMemory> KVLCodeEnvImpl::*memory,
-                               const MRBUnicodeString& place, const MRBUnicodeString& name) {
+  static KVLCodeObject* FindType(const KVLCodeEnv& env, const MRBUnicodeString& name) {
     KVLCodeEnvImpl& impl = *env.impl;
-    if (impl.*memory) {
-      const KVLLookupMemory::Entry& entry = (impl.*memory)->At(place, name);
-      if (entry.IsOf(place, name) && impl.IsWhole(entry)) return entry.GetObject();
-    }
-    return impl.FindAndRemember(impl.*memory, place, name);
+    const KVLLookupMemory::Entry* const known = impl.types ? &impl.types->At(name, name) : nullptr;
+    if (known && known->IsOf(name, name) && impl.IsWhole(*known)) return known->GetObject();
+    return impl.FindAndRemember(impl.types, nullptr, name);
   }
+  static KVLCodeObject* FindConversion(const KVLCodeEnv& env, const MRBUnicodeString& source,
+                                       const MRBUnicodeString& target) {
+    KVLCodeEnvImpl& impl = *env.impl;
+    const KVLLookupMemory::Entry* const known =
+        impl.conversions ? &impl.conversions->At(source, target) : nullptr;
+    if (known && known->IsOf(source, target) && impl.IsWhole(*known)) return known->GetObject();
+    return impl.FindAndRemember(impl.conversions, &source, target);
+  }
+  // What lies under `place`, "/" and `name`; without a place, under `name` alone.
   KVLCodeObject* FindAndRemember(std::unique_ptr<KVLLookupMemory>& memory,
-                                 const MRBUnicodeString& place, const MRBUnicodeString& name);
+                                 const MRBUnicodeString* place, const MRBUnicodeString& name);
   // Aggregated environments may have what the own tables have not.
   bool IsWhole(const KVLLookupMemory::Entry& entry) const {
     return entry.GetObject() || aggregatedEnvs.IsEmpty();
@@ -342,35 +346,34 @@ NamedIter<Object> KVLCodeEnvImpl::Iterate(const KVLCodeEnv& env, const Aggregati
 }
 
 KVLCodeObject* KVLCodeEnvImpl::FindAndRemember(std::unique_ptr<KVLLookupMemory>& memory,
-                                               const MRBUnicodeString& place,
+                                               const MRBUnicodeString* place,
                                                const MRBUnicodeString& name) {
-  KVLCodeObject* const found =
-      Find(KVLSplitPath(place.IsEmpty() ? name : place + "/" + name), &KVLCodeEnvImpl::objects)
-          .Get();
+  const KVLSmartPtr<KVLCodeObject> found =
+      place ? Find(KVLSplitPath(*place + "/" + name), &KVLCodeEnvImpl::objects)
+            : Find(KVLSplitPath(name), &KVLCodeEnvImpl::objects);
   // A name that is a path leads on from there.
   const KVLSplitPath split(name);
-  if (split.name.length != static_cast<std::size_t>(name.GetLengthInByte())) return found;
+  if (split.name.length != static_cast<std::size_t>(name.GetLengthInByte())) return found.Get();
   if (!memory) {
     // One that is asked now and then needs no memory.
-    constexpr int EnoughLookups = 8;
-    if (nbPlainLookups++ % EnoughLookups == EnoughLookups - 1) {
-      memory.reset(new (std::nothrow) KVLLookupMemory());
-    }
-    if (!memory) return found;
+    constexpr unsigned int EnoughLookups = 8;
+    if (++nbPlainLookups % EnoughLookups == 0) memory.reset(new (std::nothrow) KVLLookupMemory());
+    if (!memory) return found.Get();
   }
-  KVLCodeEnvImpl& holder = GetSub(KVLName(place), false);
+  KVLCodeEnvImpl& holder = place ? GetSub(KVLName(*place), false) : *this;
   const KVLSmartPtr<KVLCodeObject>* const own = holder.objects.Find(split.name);
-  memory->At(place, name).Set(place, name, own ? own->Get() : nullptr, holder.nbObjectChanges);
-  return found;
+  const MRBUnicodeString& key = place ? *place : name;
+  memory->At(key, name).Set(key, name, own ? own->Get() : nullptr, holder.nbObjectChanges);
+  return found.Get();
 }
 
 KVLCodeObject* KVLFindType(const KVLCodeEnv& types, const MRBUnicodeString& name) {
-  return KVLCodeEnvImpl::Recall(types, &KVLCodeEnvImpl::types, MRBUnicodeString(), name);
+  return KVLCodeEnvImpl::FindType(types, name);
 }
 
 KVLCodeObject* KVLFindConversion(const KVLCodeEnv& conversions, const MRBUnicodeString& source,
                                  const MRBUnicodeString& target) {
-  return KVLCodeEnvImpl::Recall(conversions, &KVLCodeEnvImpl::conversions, source, target);
+  return KVLCodeEnvImpl::FindConversion(conversions, source, target);
 }
 
 KVLCodeEnv::KVLCodeEnv() : KVLCodeEnv(MRBUnicodeString()) {}
