@@ -96,14 +96,23 @@ struct KVLCodeEnvImpl {
     if (known && known->IsOf(name, name) && impl.IsWhole(*known)) return known->GetObject();
     return impl.FindAndRemember(impl.types, nullptr, name);
   }
-  static KVLCodeObject* FindConversion(const KVLCodeEnv& env, const MRBUnicodeString& source,
-                                       const MRBUnicodeString& target) {
+  static KVLConversionOrType FindConversionOrType(const KVLCodeEnv& env, const KVLCodeEnv& types,
+                                                  const MRBUnicodeString& source,
+                                                  const MRBUnicodeString& target) {
     KVLCodeEnvImpl& impl = *env.impl;
     const KVLLookupMemory::Entry* const known =
         impl.conversions ? &impl.conversions->At(source, target) : nullptr;
-    if (known && known->IsOf(source, target) && impl.IsWhole(*known)) return known->GetObject();
-    return impl.FindAndRemember(impl.conversions, &source, target);
+    if (known && known->IsOf(source, target)) {
+      if (known->GetObject()) return {known->GetObject(), nullptr};
+      if (impl.aggregatedEnvs.IsEmpty() && known->KnowsType(types.impl->objectsState)) {
+        return {nullptr, known->GetType()};
+      }
+    }
+    return impl.FindConversionOrTypeAndRemember(types, source, target);
   }
+  // Kept apart, so that what is remembered costs little.
+  [[gnu::noinline]] KVLConversionOrType FindConversionOrTypeAndRemember(
+      const KVLCodeEnv& types, const MRBUnicodeString& source, const MRBUnicodeString& target);
   // What lies under `place`, "/" and `name`; without a place, under `name` alone.
   KVLCodeObject* FindAndRemember(std::unique_ptr<KVLLookupMemory>& memory,
                                  const MRBUnicodeString* place, const MRBUnicodeString& name);
@@ -126,8 +135,10 @@ struct KVLCodeEnvImpl {
   // What contexts looked for here lately: names, and names in the children of a name.
   std::unique_ptr<KVLLookupMemory> types;
   std::unique_ptr<KVLLookupMemory> conversions;
-  unsigned int nbPlainLookups = 0;    // those without a memory
-  std::uint64_t nbObjectChanges = 0;  // counts too many rather than too few
+  unsigned int nbPlainLookups = 0;  // those without a memory
+  // Grows with each change of the objects or of the aggregated environments; no two environments of
+  // the process ever have the same.
+  std::uint64_t objectsState = ++KVLProcessState::nbEnvironments << 32;
   KVLVector<KVLSmartPtr<KVLCodeEnv>> aggregatedEnvs;
   KVLCodeEnv* env;                        // dead when the record waits for its destruction
   bool isBeingSearched = false;           // set while its aggregated environments are
@@ -206,7 +217,7 @@ void KVLCodeEnvImpl::Destroy(KVLCodeEnvImpl* impl) {
     if (depth <= DeepestWhole) {
       record->LetAllGo();
     } else if (depth <= DeepestForObjects) {
-      ++record->nbObjectChanges;
+      ++record->objectsState;
       LetGo(record->objects);
     }
     --depth;
@@ -235,7 +246,7 @@ void KVLCodeEnvImpl::LetAllGo() {
     ForgetPaths();
     conversions.reset();  // it knows the children
     LetGo(subEnvs);
-    ++nbObjectChanges;
+    ++objectsState;
     LetGo(objects);
   }
 }
@@ -289,7 +300,7 @@ KVLCodeEnvImpl& KVLCodeEnvImpl::Walk(const KVLName& path, bool isToBeKnown) {
 // For a name that is absent.
 void KVLCodeEnvImpl::AddObject(MRBUnicodeString name, std::uint64_t hash, KVLCodeObject& object) {
   const KVLKnownPaths::Objects former = objects.GetStorage();
-  ++nbObjectChanges;
+  ++objectsState;
   objects.Insert(std::move(name), hash, KVLSmartPtr<KVLCodeObject>(&object));
   if (knownTo && objects.GetStorage() != former) {
     knownTo->knownPaths.SetObjects(knownHash, *this, objects.GetStorage());
@@ -363,17 +374,35 @@ KVLCodeObject* KVLCodeEnvImpl::FindAndRemember(std::unique_ptr<KVLLookupMemory>&
   KVLCodeEnvImpl& holder = place ? GetSub(KVLName(*place), false) : *this;
   const KVLSmartPtr<KVLCodeObject>* const own = holder.objects.Find(split.name);
   const MRBUnicodeString& key = place ? *place : name;
-  memory->At(key, name).Set(key, name, own ? own->Get() : nullptr, holder.nbObjectChanges);
+  memory->At(key, name).Set(key, name, own ? own->Get() : nullptr, holder.objectsState);
   return found.Get();
+}
+
+KVLConversionOrType KVLCodeEnvImpl::FindConversionOrTypeAndRemember(
+    const KVLCodeEnv& typesEnv, const MRBUnicodeString& source, const MRBUnicodeString& target) {
+  KVLCodeObject* const conversion = FindAndRemember(conversions, &source, target);
+  if (conversion) return {conversion, nullptr};
+  KVLCodeObject* const type = FindType(typesEnv, source);
+  // What lies in an environment below, or in an aggregated one, may go without a change of the
+  // table of types itself.
+  const KVLCodeEnvImpl& typesImpl = *typesEnv.impl;
+  const KVLSplitPath split(source);
+  const bool isOwn = split.name.length == static_cast<std::size_t>(source.GetLengthInByte()) &&
+                     typesImpl.aggregatedEnvs.IsEmpty();
+  if (!isOwn || !conversions) return {nullptr, type};
+  KVLLookupMemory::Entry& entry = conversions->At(source, target);
+  if (entry.IsOf(source, target)) entry.SetType(type, typesImpl.objectsState);
+  return {nullptr, type};
 }
 
 KVLCodeObject* KVLFindType(const KVLCodeEnv& types, const MRBUnicodeString& name) {
   return KVLCodeEnvImpl::FindType(types, name);
 }
 
-KVLCodeObject* KVLFindConversion(const KVLCodeEnv& conversions, const MRBUnicodeString& source,
-                                 const MRBUnicodeString& target) {
-  return KVLCodeEnvImpl::FindConversion(conversions, source, target);
+KVLConversionOrType KVLFindConversionOrType(const KVLCodeEnv& conversions, const KVLCodeEnv& types,
+                                            const MRBUnicodeString& source,
+                                            const MRBUnicodeString& target) {
+  return KVLCodeEnvImpl::FindConversionOrType(conversions, types, source, target);
 }
 
 KVLCodeEnv::KVLCodeEnv() : KVLCodeEnv(MRBUnicodeString()) {}
@@ -415,7 +444,7 @@ long KVLCodeEnv::Add(KVLSmartPtr<KVLCodeObject> object, const MRBUnicodeString& 
 long KVLCodeEnv::Remove(KVLCodeObject& object, const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, object, objectName);
-  ++env.impl->nbObjectChanges;
+  ++env.impl->objectsState;
   const bool removed = env.impl->objects.Remove(
       KVLName(objectName),
       [&object](const KVLSmartPtr<KVLCodeObject>& held) { return held == &object; });
@@ -425,7 +454,7 @@ long KVLCodeEnv::Remove(KVLCodeObject& object, const MRBUnicodeString& path) {
 long KVLCodeEnv::Remove(const MRBUnicodeString& path) {
   MRBUnicodeString objectName;
   KVLCodeEnv& env = GetLocalEnvAndName(path, objectName);
-  ++env.impl->nbObjectChanges;
+  ++env.impl->objectsState;
   const bool removed = env.impl->objects.Remove(
       KVLName(objectName), [](const KVLSmartPtr<KVLCodeObject>&) { return true; });
   return removed ? KVLResult_Success : KVLResult_Failure;
@@ -444,6 +473,7 @@ KVLCodeEnv& KVLCodeEnv::GetSubEnv(const MRBUnicodeString& path) const {
 }
 
 long KVLCodeEnv::AggregateEnv(KVLCodeEnv& env) {
+  ++impl->objectsState;
   impl->aggregatedEnvs.Append(KVLSmartPtr<KVLCodeEnv>(&env));
   return KVLResult_Success;
 }
@@ -453,6 +483,7 @@ long KVLCodeEnv::UnAggregateEnv(KVLCodeEnv& env) {
   for (int i = 0; i < aggregated.GetCount(); ++i) {
     if (aggregated[i] != &env) continue;
     // Held until the gap is closed: the last reference may run code that looks at this list.
+    ++impl->objectsState;
     const KVLSmartPtr<KVLCodeEnv> released = std::move(aggregated[i]);
     aggregated.Erase(i);
     return KVLResult_Success;

@@ -22,6 +22,14 @@ class KVLLookupMemory {
     /// Borrowed; null when there was none.
     KVLCodeObject* GetObject() const { return object; }
 
+    /// The type of the place's name, which is remembered for one state of one table of types.
+    bool KnowsType(std::uint64_t tableState) const { return typeState == tableState; }
+    KVLCodeObject* GetType() const { return type; }
+    void SetType(KVLCodeObject* newType, std::uint64_t tableState) {
+      type = newType;
+      typeState = tableState;
+    }
+
     /// `nbTableChanges`, which is borrowed, counts the changes of the table.
     void Set(const MRBUnicodeString& newPlace, const MRBUnicodeString& newName,
              KVLCodeObject* newObject, const std::uint64_t& nbTableChanges) {
@@ -32,6 +40,7 @@ class KVLLookupMemory {
       object = newObject;
       nbChangesThen = nbTableChanges;
       nbChanges = &nbTableChanges;
+      typeState = 0;
     }
 
    private:
@@ -45,6 +54,8 @@ class KVLLookupMemory {
     const std::uint64_t* nbChanges = nullptr;  // null: the entry is of nothing
     std::uint64_t nbChangesThen = 0;
     KVLCodeObject* object = nullptr;
+    KVLCodeObject* type = nullptr;
+    std::uint64_t typeState = 0;  // 0: no type is remembered
   };
 
   /// The one entry that may be of these two.

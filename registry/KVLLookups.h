@@ -9,8 +9,15 @@
 /// What `types.FindObject(name)` finds, and makes on its way.
 KVLCodeObject* KVLFindType(const KVLCodeEnv& types, const MRBUnicodeString& name);
 
-/// What `conversions.FindObject(source + "/" + target)` finds, and makes on its way.
-KVLCodeObject* KVLFindConversion(const KVLCodeEnv& conversions, const MRBUnicodeString& source,
-                                 const MRBUnicodeString& target);
+struct KVLConversionOrType {
+  KVLCodeObject* conversion;
+  KVLCodeObject* type;
+};
+
+/// What `conversions.FindObject(source + "/" + target)` finds, and makes on its way; where that is
+/// nothing, what `types.FindObject(source)` finds and makes then.
+KVLConversionOrType KVLFindConversionOrType(const KVLCodeEnv& conversions, const KVLCodeEnv& types,
+                                            const MRBUnicodeString& source,
+                                            const MRBUnicodeString& target);
 
 #endif

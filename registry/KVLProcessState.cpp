@@ -15,6 +15,7 @@ KVL_CONSTANT_INITIALISED KVLSmartPtr<KVLCodeEnv> KVLProcessState::typeRoot;
 KVL_CONSTANT_INITIALISED KVLSmartPtr<KVLCodeEnv> KVLProcessState::membersRoot;
 KVL_CONSTANT_INITIALISED KVLSmartPtr<KVLCodeEnv> KVLProcessState::conversionsRoot;
 KVL_CONSTANT_INITIALISED KVLCodeEnvAccessImpl KVLProcessState::modules;
+KVL_CONSTANT_INITIALISED std::atomic<std::uint64_t> KVLProcessState::nbEnvironments{0};
 
 // A node is pushed at the front and never taken out before the end, so that a reader may walk the
 // list while another thread adds to it.

@@ -2,6 +2,7 @@
 #define KVL_PROCESS_STATE_H
 
 #include <atomic>
+#include <cstdint>
 
 #include "KVLCodeEnv.h"
 #include "KVLVector.h"
@@ -41,6 +42,8 @@ struct KVLProcessState {
   static KVLSmartPtr<KVLCodeEnv> membersRoot;
   static KVLSmartPtr<KVLCodeEnv> conversionsRoot;
   static KVLCodeEnvAccessImpl modules;
+
+  static std::atomic<std::uint64_t> nbEnvironments;  ///< made so far, by any thread
 };
 
 #endif

@@ -65,17 +65,30 @@ inline long ConvertThrough(const KVLCodeFunction& function, const MRBUnicodeStri
   return KVLFailed(assignResult) ? assignResult : ReportedResult(*returned);
 }
 
-// Goes on from the source's parent where the type `sourceTypeName` has no conversion of its own.
-long ConvertAsAncestor(const MRBUnicodeString& sourceTypeName, const KVLCodeContext& context,
-                       const KVLCodeValue& from, KVLCodeValue& to) {
+// What a types environment holds is trusted to be a type.
+KVLSmartPtr<const KVLCodeType> AsTypeUnchecked(KVLCodeObject* object) {
+  assert((!object || object->AsType()) && "the types environment holds something else than a type");
+  return static_cast<const KVLCodeType*>(object);
+}
+
+// Goes on from the source's parent where the type `sourceTypeName` has no conversion of its own,
+// but `step`. What stands in a conversion's place, and a type, are held no longer than they are
+// asked.
+long ConvertAsAncestor(const MRBUnicodeString& sourceTypeName, KVLConversionOrType step,
+                       const KVLCodeContext& context, const KVLCodeValue& from, KVLCodeValue& to,
+                       KVLSmartPtr<KVLCodeObject>& found) {
   MRBUnicodeString typeName = sourceTypeName;
   for (;;) {
-    const KVLSmartPtr<const KVLCodeType> type = context.GetTypeFromName(typeName);
-    if (!type) return KVLResult_Failure;
-    typeName = type->GetParentTypeName();
+    {
+      const KVLSmartPtr<const KVLCodeType> type =
+          found ? context.GetTypeFromName(typeName) : AsTypeUnchecked(step.type);
+      if (!type) return KVLResult_Failure;
+      typeName = type->GetParentTypeName();
+    }
     if (typeName.IsEmpty()) return KVLResult_Failure;
-    const KVLSmartPtr<KVLCodeObject> found =
-        KVLFindConversion(context.GetConversionsCodeEnv(), typeName, to.GetTypeName());
+    step = KVLFindConversionOrType(context.GetConversionsCodeEnv(), context.GetTypesCodeEnv(),
+                                   typeName, to.GetTypeName());
+    found = step.conversion;
     if (const KVLCodeFunction* const function = found ? found->AsFunction() : nullptr) {
       return ConvertThrough(*function, typeName, context, from, to);
     }
@@ -102,9 +115,7 @@ KVLCodeContext::~KVLCodeContext() {
 }
 
 KVLSmartPtr<const KVLCodeType> KVLCodeContext::GetTypeFromName(const MRBUnicodeString& name) const {
-  KVLCodeObject* const object = KVLFindType(*typesEnv, name);
-  assert((!object || object->AsType()) && "the types environment holds something else than a type");
-  return static_cast<const KVLCodeType*>(object);
+  return AsTypeUnchecked(KVLFindType(*typesEnv, name));
 }
 
 void KVLCodeContext::KeepAlive(const MRBBaseUnknown_var& object) const {
@@ -119,9 +130,10 @@ long KVLCodeContext::Convert(const KVLCodeValue& from, KVLCodeValue& to) const {
   const MRBUnicodeString& sourceTypeName = from.GetTypeName();
   if (sourceTypeName == to.GetTypeName()) return to.AssignFrom(*this, from);
   if (sourceTypeName.IsEmpty()) return KVLResult_Failure;
-  const KVLSmartPtr<KVLCodeObject> found =
-      KVLFindConversion(*conversionsEnv, sourceTypeName, to.GetTypeName());
+  const KVLConversionOrType step =
+      KVLFindConversionOrType(*conversionsEnv, *typesEnv, sourceTypeName, to.GetTypeName());
+  KVLSmartPtr<KVLCodeObject> found = step.conversion;
   const KVLCodeFunction* const function = found ? found->AsFunction() : nullptr;
   return function ? ConvertThrough(*function, sourceTypeName, *this, from, to)
-                  : ConvertAsAncestor(sourceTypeName, *this, from, to);
+                  : ConvertAsAncestor(sourceTypeName, step, *this, from, to, found);
 }

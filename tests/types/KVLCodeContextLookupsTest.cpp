@@ -199,6 +199,54 @@ TEST_F(KVLCodeContextLookups, TypesOfAnAggregatedEnvironmentComeAndGo) {
   EXPECT_TRUE(world.context.GetTypeFromName("T").IsNull());
 }
 
+TEST_F(KVLCodeContextLookups, ATypeOfAnAggregatedEnvironmentLeadsToItsParentAsLongAsItServes) {
+  const KVLSmartPtr<KVLCodeEnv> other = new KVLCodeEnv("other");
+  const TypePtr borrowed = new TestType("B", "A1");
+  other->Add(*borrowed, "");
+  Add("A1", "U", "of A1");
+  Add("A2", "U", "of A2");
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(Get("B", "U"), "");
+    EXPECT_EQ(Get("B", "U"), "");
+    world.types->AggregateEnv(*other);
+    EXPECT_EQ(Get("B", "U"), "of A1");
+    EXPECT_EQ(Get("B", "U"), "of A1");
+    const TypePtr own = world.RegisterType("B", "A2");
+    EXPECT_EQ(Get("B", "U"), "of A2");
+    world.types->Remove("B");
+    EXPECT_EQ(Get("B", "U"), "of A1");
+    world.types->UnAggregateEnv(*other);
+  }
+}
+
+TEST_F(KVLCodeContextLookups, ContextsOnOtherTypesGoUpOtherParents) {
+  const World other;
+  const KVLCodeContext mixed(*other.types, *world.conversions);
+  world.RegisterType("B", "A1");
+  const TypePtr theirs = new TestType("B", "A2");
+  Add("A1", "U", "of A1");
+  Add("A2", "U", "of A2");
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(Get("B", "U"), "of A1");
+    EXPECT_EQ(Converted(mixed, "B", "U"), i == 1 ? "of A2" : "");
+    EXPECT_EQ(Converted(mixed, "B", "U"), i == 1 ? "of A2" : "");
+    if (i == 0) other.types->Add(*theirs, "");
+    if (i == 1) other.types->Remove("B");
+  }
+}
+
+TEST_F(KVLCodeContextLookups, ATypeBelowAnotherEnvironmentComesAndGoes) {
+  Add("A", "U", "of A");
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(Get("lib/B", "U"), "");
+    EXPECT_EQ(Get("lib/B", "U"), "");
+    const TypePtr type = new TestType("B", "A");
+    world.types->Add(*type, "lib/");
+    EXPECT_EQ(Get("lib/B", "U"), "of A");
+    world.types->GetSubEnv("lib").Remove("B");
+  }
+}
+
 TEST_F(KVLCodeContextLookups, NamesMayBePaths) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(Get("lib/T", "U"), "");
