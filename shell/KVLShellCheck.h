@@ -27,7 +27,8 @@ std::vector<KVLShellFinding> KVLShellFindAnomalies(KVLCodeEnv& root);
 /// - "text": a value does not write a text, or does not write the text again that it was read from.
 /// - "doc": a function without documentation. Conversions need none.
 ///
-/// Values of types whose parents form a loop are not tried, for such a try may never end.
+/// Values of types whose parents form a loop are not tried, for such a try may never end. Ends if
+/// interrupted.
 std::vector<KVLShellFinding> KVLShellFindStrictly(KVLCodeEnv& root);
 
 /// Those of the findings that are at or below `path`.

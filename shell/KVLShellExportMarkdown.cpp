@@ -213,7 +213,7 @@ std::string CountsText(const Objects& objects) {
   for (const auto& [kind, count] : counts)
     add(count, KVLShellModelKindName(kind));
   add(nbConversions, "conversion");
-  return text.empty() ? "" : text + ".";
+  return text.empty() ? "Nothing." : text + ".";
 }
 
 std::string EnvText(const KVLShellModelEnv& env, const Objects& objects) {
@@ -323,9 +323,11 @@ std::string Title(const KVLShellModel& model) {
 }  // namespace
 
 std::string KVLShellExportMarkdown(const KVLShellModel& model) {
+  Objects objects;
+  for (const KVLShellModelObject& object : model.objects)
+    objects.push_back(&object);
   std::string text =
-      "# " + Title(model) + "\n\n" + KVLShellCountText(model.objects.size(), "object") + ", " +
-      KVLShellCountText(model.conversions.size(), "conversion") + ".\n" + AnomaliesText(model);
+      "# " + Title(model) + "\n\n" + CountsText(objects) + "\n" + AnomaliesText(model);
   for (const Chapter& chapter : Chapters(model))
     text += "\n" + ChapterText(model, chapter);
   return text;

@@ -142,6 +142,7 @@ class Reader {
     }
     env.firstObject = model.objects.size();
     for (std::size_t i = 0; i < place.nbObjects; ++i) {
+      KVLShellEndIfInterrupted();
       const KVLShellTreeObject& entry = tree.GetObjects()[place.firstObject + i];
       if (!KVLShellIsDoc(entry)) model.objects.push_back(ReadObject(entry));
     }

@@ -127,7 +127,7 @@ int KVLShellConversionForm(const KVLCodeFunction& function, const std::string& f
 KVLShellModelConversion KVLShellConversionAt(const std::string& path, const KVLCodeObject& object);
 
 /// Describes what lies below `root`. Calls the objects' own operations, and nothing that creates or
-/// changes anything. What they throw becomes a problem of the object.
+/// changes anything. What they throw becomes a problem of the object. Ends if interrupted.
 KVLShellModel KVLShellReadModel(KVLCodeEnv& root);
 
 /// The places where `object` was registered.

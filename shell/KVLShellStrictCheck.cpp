@@ -66,6 +66,7 @@ class Check {
   // Runs one of the checks on each object; what an object throws is a finding too.
   void ForEachObject(void (Check::*check)(const KVLShellTreeObject& entry)) {
     for (const KVLShellTreeObject& entry : tree.GetObjects()) {
+      KVLShellEndIfInterrupted();
       try {
         (this->*check)(entry);
       } catch (const std::bad_alloc&) {

@@ -1,7 +1,10 @@
 #include "KVLShellTree.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
+
+#include "KVLShellSession.h"
 
 namespace {
 
@@ -58,6 +61,7 @@ KVLShellTree::KVLShellTree(KVLCodeEnv& root) {
   std::unordered_map<const KVLCodeEnv*, std::size_t> met;
   waiting.push_back({KVLShellTreeEnv::None, "", {KVLSmartPtr<KVLCodeEnv>(&root)}});
   while (!waiting.empty()) {
+    KVLShellEndIfInterrupted();
     Waiting next = std::move(waiting.back());
     waiting.pop_back();
 
@@ -108,6 +112,10 @@ const KVLShellTreeEnv* KVLShellTree::FindEnv(const std::string& path) const {
 const KVLShellTreeObject* KVLShellTree::FindObject(const std::string& path) const {
   const auto found = objectPlaces.find(path);
   return found == objectPlaces.end() ? nullptr : &objects[found->second];
+}
+
+void KVLShellEndIfInterrupted() {
+  if (KVLShellIsInterrupted()) throw std::runtime_error("interrupted");
 }
 
 std::string KVLShellBytes(const MRBUnicodeString& text) {

@@ -36,7 +36,7 @@ struct KVLShellTreeObject {
 /// several objects with one path the first counts, which is the one that the kernel finds.
 class KVLShellTree {
  public:
-  /// Shares all that it meets.
+  /// Shares all that it meets. Ends if interrupted.
   explicit KVLShellTree(KVLCodeEnv& root);
 
   /// The root first, each place before what it holds, and those of one place in the order of their
@@ -57,6 +57,9 @@ class KVLShellTree {
   std::unordered_map<std::string, std::size_t> envPlaces;
   std::unordered_map<std::string, std::size_t> objectPlaces;
 };
+
+/// Throws, once the user has asked for the text that is running to end: for loops over a registry.
+void KVLShellEndIfInterrupted();
 
 /// The bytes of `text`, NUL bytes included.
 std::string KVLShellBytes(const MRBUnicodeString& text);

@@ -154,7 +154,7 @@ TEST_F(Commands, FindingsWithControlCharactersKeepToOneLine) {
 TEST_F(Commands, ExportPrintsMarkdownByDefault) {
   const Said said = Ask("export sample");
   EXPECT_EQ(said.code, KVLResult_Success);
-  EXPECT_EQ(said.output.substr(0, 23), "# Registry: `sample`\n\n2");
+  EXPECT_EQ(said.output.substr(0, 23), "# Registry: `sample`\n\n1");
   EXPECT_NE(said.output.find("string join(string a, string b = z)"), std::string::npos);
   EXPECT_EQ(said.output, Ask("export --format md sample").output);
 }
@@ -226,6 +226,27 @@ TEST_F(Commands, MisuseOfExportIsTold) {
   EXPECT_EQ(Ask("export --format xml").code, KVLShellResult_Usage);
   EXPECT_EQ(Ask("export --output").code, KVLShellResult_Usage);
   EXPECT_EQ(Ask("export a b").code, KVLShellResult_Usage);
+}
+
+// A value that has the text that reads it interrupted, as a user may at any time.
+class InterruptingValue : public TextValue {
+ public:
+  InterruptingValue() : TextValue("v", "string") {}
+  long GetValueStr(const KVLCodeContext&, MRBUnicodeString&) const override {
+    KVLCodeShellInterrupt();
+    return KVLResult_Success;
+  }
+};
+
+TEST_F(Commands, BothCommandsEndWhereTheyAreInterrupted) {
+  const Published interrupting("sample/a", new InterruptingValue());
+  for (const char* const text : {"export", "check --strict"}) {
+    const Said said = Ask(text);
+    EXPECT_EQ(said.code, KVLShellResult_Interrupted) << text;
+    EXPECT_EQ(said.output, "") << text;
+    EXPECT_EQ(said.error.substr(0, 18), "error: interrupted") << text;
+  }
+  EXPECT_EQ(Ask("check sample").code, KVLResult_Success);
 }
 
 TEST_F(Commands, NeitherCommandCreatesAnything) {
