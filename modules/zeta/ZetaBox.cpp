@@ -78,7 +78,7 @@ double Volume(const Box& box) {
 }
 
 Box Grown(const Box& box, double by) {
-  if (std::isnan(by)) throw std::invalid_argument("by must be a number");
+  if (!std::isfinite(by)) throw std::invalid_argument("by must be finite");
   if (box.IsEmpty()) return box;
   Box grown;
   grown.low = box.low + Vector{-by, -by, -by};

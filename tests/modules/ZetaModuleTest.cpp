@@ -269,7 +269,8 @@ TEST_F(Zeta, BoxesGrowUniteAndIntersect) {
             "((0.5, 0.5, 0.5), (1.5, 1.5, 1.5))");
   EXPECT_EQ(Result("geom/box/grow", {"((0,0),(2,2))", "-0.5"}), "()");
   EXPECT_EQ(Result("geom/box/grow", {"()", "5"}), "()");
-  EXPECT_EQ(Thrown("geom/box/grow", {"()", "nan"}), "by must be a number");
+  EXPECT_EQ(Thrown("geom/box/grow", {"()", "nan"}), "by must be finite");
+  EXPECT_EQ(Thrown("geom/box/grow", {"((inf,0),(inf,0))", "inf"}), "by must be finite");
 }
 
 TEST_F(Zeta, BoxesAnswerQuestions) {
