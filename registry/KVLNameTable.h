@@ -13,11 +13,11 @@
 /// Where a `KVLNameTable` keeps its entries, in one word: who has that can search the table without
 /// touching the table itself. Good until the table gets another storage.
 ///
-/// A block of the heap holds places for entries, a power of two, and behind them an index of twice
-/// as many slots, which is searched from a slot that the hash chooses to the first free one. A slot
+/// A block of the heap holds places for entries, a power of two, and behind them an index of more
+/// slots, which is searched from a slot that the hash chooses to the first free one. A slot
 /// holds the place of an entry and, in the bits above, part of the entry's hash: a search reads one
-/// entry, mostly, and none when the name is absent. Slots are of two bytes as long as these hold a
-/// place and eight bits of the hash, else of four.
+/// entry, mostly, and none when the name is absent. A place has four slots of two bytes as long as
+/// these hold a place and eight bits of the hash, else two slots of four bytes.
 template <class V>
 class KVLNameStorage {
  public:
@@ -47,12 +47,14 @@ class KVLNameStorage {
   Entry* GetEntries() const { return reinterpret_cast<Entry*>(word & ~(Alignment - 1)); }
   unsigned int GetLog2() const { return static_cast<unsigned int>(word & (Alignment - 1)); }
   std::uint32_t GetNbPlaces() const { return std::uint32_t{1} << GetLog2(); }
-  std::uint32_t GetNbSlots() const { return std::uint32_t{2} << GetLog2(); }
+  std::uint32_t GetNbSlots() const {
+    return GetNbPlaces() << (HasNarrowSlots() ? LogOfSlots<Narrow>() : LogOfSlots<Wide>());
+  }
   std::uint32_t GetPlaceMask() const { return GetNbPlaces() - 1; }
 
   /// Where the search for a hash begins: as many of its highest bits as number the slots.
   std::uint32_t FirstSlotOf(std::uint64_t hash) const {
-    return static_cast<std::uint32_t>(hash >> (63 - GetLog2()));
+    return HasNarrowSlots() ? FirstSlot<Narrow>(hash) : FirstSlot<Wide>(hash);
   }
   std::uint32_t NextSlot(std::uint32_t slot) const { return (slot + 1) & (GetNbSlots() - 1); }
 
@@ -91,6 +93,16 @@ class KVLNameStorage {
   using Wide = std::uint32_t;
 
   bool HasNarrowSlots() const { return GetLog2() <= 7; }
+  // The binary logarithm of the number of slots for each place.
+  template <class Slot>
+  static constexpr unsigned int LogOfSlots() {
+    return sizeof(Slot) == sizeof(Narrow) ? 2 : 1;
+  }
+  template <class Slot>
+  std::uint32_t FirstSlot(std::uint64_t hash) const {
+    return static_cast<std::uint32_t>(hash >> (64 - LogOfSlots<Slot>() - GetLog2()));
+  }
+
   template <class Slot>
   Slot* GetIndex() const {
     return reinterpret_cast<Slot*>(GetEntries() + GetNbPlaces());
@@ -106,7 +118,8 @@ class KVLNameStorage {
     const Slot* const index = GetIndex<Slot>();
     const std::uint32_t placeMask = GetPlaceMask();
     const std::uint32_t tag = TagOf<Slot>(name.hash);
-    for (std::uint32_t slot = FirstSlotOf(name.hash);; slot = NextSlot(slot)) {
+    const std::uint32_t slotMask = (GetNbPlaces() << LogOfSlots<Slot>()) - 1;
+    for (std::uint32_t slot = FirstSlot<Slot>(name.hash);; slot = (slot + 1) & slotMask) {
       const std::uint32_t content = index[slot];
       if ((content & ~placeMask) == tag) {
         if (name == KVLText::Of(GetEntries()[content & placeMask].key)) return slot;
