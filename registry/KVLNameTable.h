@@ -29,6 +29,7 @@ class KVLNameStorage {
   // Entries that lie in two lines of the cache would cost two misses.
   static constexpr std::size_t Alignment = 32;
   static constexpr unsigned int MostLog2 = 28;
+  static constexpr std::size_t IndexBytesAPlace = 8;
 
   static constexpr std::uint32_t NoSlot = 0xFFFFFFFFu;
   // What a slot holds that leads to no entry: nothing, or what is left of one. With an entry, its
@@ -72,10 +73,7 @@ class KVLNameStorage {
       GetIndex<Wide>()[slot] = content;
     }
   }
-  std::size_t GetBytesOfIndex() const {
-    return GetNbSlots() * (HasNarrowSlots() ? sizeof(Narrow) : sizeof(Wide));
-  }
-  void ClearIndex() const { std::memset(GetIndex<char>(), 0, GetBytesOfIndex()); }
+  void ClearIndex() const { std::memset(GetIndex<char>(), 0, GetNbPlaces() * IndexBytesAPlace); }
 
   /// The slot of that name, or `NoSlot`. There must be a storage.
   std::uint32_t SlotOf(const KVLName& name) const {
@@ -96,7 +94,8 @@ class KVLNameStorage {
   // The binary logarithm of the number of slots for each place.
   template <class Slot>
   static constexpr unsigned int LogOfSlots() {
-    return sizeof(Slot) == sizeof(Narrow) ? 2 : 1;
+    static_assert(sizeof(Slot) << (sizeof(Slot) == 2 ? 2 : 1) == IndexBytesAPlace);
+    return sizeof(Slot) == 2 ? 2 : 1;
   }
   template <class Slot>
   std::uint32_t FirstSlot(std::uint64_t hash) const {
@@ -270,7 +269,7 @@ class KVLNameTable {
     constexpr std::size_t Slack = Storage::Alignment - alignof(std::max_align_t);
     if (log2OfPlaces > Storage::MostLog2) throw std::bad_alloc();
     const std::size_t nbPlaces = std::size_t{1} << log2OfPlaces;
-    void* const fresh = std::malloc(Slack + nbPlaces * (sizeof(Entry) + 2 * sizeof(std::uint32_t)));
+    void* const fresh = std::malloc(Slack + nbPlaces * (sizeof(Entry) + Storage::IndexBytesAPlace));
     if (!fresh) throw std::bad_alloc();
     const std::size_t odd = reinterpret_cast<std::uintptr_t>(fresh) % Storage::Alignment;
     char* const start = static_cast<char*>(fresh) + (odd == 0 ? 0 : Storage::Alignment - odd);
