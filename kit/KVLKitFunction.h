@@ -702,18 +702,17 @@ class Function::Caller final : public KVLCodeFunctionCaller {
 
   // Hands on what nobody else holds, without what it holds itself: it may be of other modules.
   void Give(const Function& called) {
-    const detail::SignatureTable& signature = called.signature;
+    const detail::SignatureTable& table = called.signature;
     KVLSmartPtr<KVLCodeValue>& result = returnedValue ? returnedValue : formerResult;
     if (IsMine(result) && !called.spareResult &&
-        (signature.returned->kind == TypeTable::Data ||
-         signature.returned->kind == TypeTable::Void)) {
-      if (!signature.returned->isTrivial) result->Reset();
+        (table.returned->kind == TypeTable::Data || table.returned->kind == TypeTable::Void)) {
+      if (!table.returned->isTrivial) result->Reset();
       std::swap(called.spareResult, result);
     }
     if (!called.spareArgs.IsEmpty()) return;
     for (int i = 0; i < args.GetCount(); ++i) {
       if (!IsMine(args[i])) return;
-      if (!signature.params[i].type->isTrivial) Renew(*signature.params[i].type, *args[i]);
+      if (!table.params[i].type->isTrivial) Renew(*table.params[i].type, *args[i]);
     }
     args.Swap(called.spareArgs);
   }
