@@ -43,3 +43,12 @@ run_greet("${WORK}/build" "${prefix}/bin")
 
 file(GLOB kvl "${prefix}/bin/kvl" "${prefix}/bin/kvl.exe")
 run_program("${kvl}" "7.75\n" -c "call math/add 3.5 4.25")
+# What shells and `man` look for lies where they look.
+if(kvl MATCHES "/kvl$")
+  foreach(file IN ITEMS man/man1/kvl.1 bash-completion/completions/kvl zsh/site-functions/_kvl
+                        fish/vendor_completions.d/kvl.fish)
+    if(NOT EXISTS "${prefix}/share/${file}")
+      message(FATAL_ERROR "share/${file} is not installed")
+    endif()
+  endforeach()
+endif()

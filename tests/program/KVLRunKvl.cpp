@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include <filesystem>
+#else
 #include <sys/wait.h>
 #endif
 
@@ -68,7 +70,7 @@ KVLEnded RunKvl(const std::string& arguments, const std::string& input) {
                         Quoted(Native(errorFile));
 #if defined(_WIN32)
   // The interpreter takes the outermost pair of quotes for itself.
-  const int exitCode = std::system(("\"" + command + "\"").c_str());
+  const int exitCode = _wsystem(std::filesystem::u8path("\"" + command + "\"").c_str());
 #else
   const int status = std::system(command.c_str());
   const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
