@@ -29,8 +29,8 @@ enum KVLShellFlag : unsigned int {
 /// Receives `length` bytes of text, borrowed for the call: whole lines, each with its newline.
 using KVLShellSink = void (*)(void* receiver, int channel, const char* text, int length);
 
-/// Runs `text`. Writes to the process's standard output and standard error, and flushes them line
-/// by line. Returns the code of what failed, or 0: see `KVLShellResult.h`.
+/// Runs `text`. Writes to the process's standard output and standard error, and flushes them after
+/// each command. Returns the code of what failed, or 0: see `KVLShellResult.h`.
 extern "C" KVL_ENTRY_EXPORT long KVLCodeShellStaticRun(const MRBUnicodeString& text);
 
 /// The same, but hands what is written to `sink`, with `receiver` as its first argument. `flags`:

@@ -247,7 +247,7 @@ MRBUnicodeString KVLShellTextOf(const KVLShellAnswer& answer, bool isColored) {
       break;
     case KVLShellAnswer::Lines:
       for (const KVLShellNode& item : answer.result.GetItems())
-        text += item.ToText() + "\n";
+        text += KVLShellEscaped(item.ToText()) + "\n";
       break;
     case KVLShellAnswer::Table:
       text = Grid(answer.result.GetItems(), answer.columns, isColored).Write();

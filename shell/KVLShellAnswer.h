@@ -71,7 +71,7 @@ struct KVLShellAnswer {
     Value,     ///< a value on a line, unless it is void; then its field "outputs", if it has one:
                ///< "name = text" for each record in the list; then its "seconds"
     Verbatim,  ///< the text of `result`, with a newline behind it unless it has one or is empty
-    Lines,     ///< the text of each item of the list `result` on a line
+    Lines,     ///< the text of each item of the list `result` on a line, escaped
     Table,     ///< a row for each record in the list `result`, with the fields `columns`
     Sheet      ///< "name: text" for each field of the record `result`, or of each record in the
                ///< list; for a field that is a list, on a line for each item, with the name in the
