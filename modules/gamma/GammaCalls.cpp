@@ -2,33 +2,26 @@
 #include <string>
 
 #include "KVLKit.h"
-#include "shared/RegistryWalk.h"
+#include "shared/FunctionCall.h"
 
 namespace {
 
 using Elements = KVLCodeListValue::Elements;
-using Object = KVLSmartPtr<KVLCodeObject>;
-
-std::string Quoted(const MRBUnicodeString& path) {
-  return std::string("'") + path.ConvertToChar() + "'";
-}
+using calls::Quoted;
 
 // A function of one element: the parameters behind the first may be left out.
-Object FindFunctionOrThrow(const MRBUnicodeString& path) {
-  Object object = registry::Find(path).object;
-  const KVLCodeFunction* const function = object ? object->AsFunction() : nullptr;
-  if (!function) throw std::invalid_argument("there is no function " + Quoted(path));
+calls::FunctionPtr FindFunctionOrThrow(const MRBUnicodeString& path) {
+  calls::FunctionPtr function = calls::FindOrThrow(path);
   const KVLVector<KVLCodeFunction::Param>& params = function->GetParams();
-  if (params.IsEmpty() || (params[0].direction & KVLCodeFunction::Input) == 0) {
+  if (params.IsEmpty() || !calls::IsInput(params[0])) {
     throw std::invalid_argument(Quoted(path) + " takes no argument");
   }
   for (int i = 1; i < params.GetCount(); ++i) {
-    const bool isGiven = (params[i].direction & KVLCodeFunction::Input) != 0;
-    if (isGiven && params[i].defaultValue.IsEmpty()) {
+    if (calls::IsInput(params[i]) && params[i].defaultValue.IsEmpty()) {
       throw std::invalid_argument(Quoted(path) + " takes more than one argument");
     }
   }
-  return object;
+  return function;
 }
 
 // What the function makes of the element. A function that returns nothing is taken to answer by its
@@ -53,31 +46,26 @@ KVLSmartPtr<KVLCodeValue> CallOrThrow(const KVLCodeContext& context,
   return result;
 }
 
-void PollInterruption(const KVLCodeSession* session) {
-  if (session && session->IsInterrupted()) throw std::runtime_error("interrupted");
-}
-
 Elements Map(const KVLCodeContext& context, KVLCodeSession* session, const Elements& list,
              const MRBUnicodeString& path) {
-  const Object object = FindFunctionOrThrow(path);
+  const calls::FunctionPtr function = FindFunctionOrThrow(path);
   Elements result;
   result.Reserve(list.GetCount());
   for (int i = 0; i < list.GetCount(); ++i) {
-    PollInterruption(session);
-    result.Append(CallOrThrow(context, *object->AsFunction(), path, list, i));
+    calls::PollInterruption(session);
+    result.Append(CallOrThrow(context, *function, path, list, i));
   }
   return result;
 }
 
 Elements Filter(const KVLCodeContext& context, KVLCodeSession* session, const Elements& list,
                 const MRBUnicodeString& path) {
-  const Object object = FindFunctionOrThrow(path);
+  const calls::FunctionPtr function = FindFunctionOrThrow(path);
   Elements result;
   for (int i = 0; i < list.GetCount(); ++i) {
-    PollInterruption(session);
+    calls::PollInterruption(session);
     kvl::Value isKept(kvl::TableOf<bool>, "");
-    const KVLSmartPtr<KVLCodeValue> answer =
-        CallOrThrow(context, *object->AsFunction(), path, list, i);
+    const KVLSmartPtr<KVLCodeValue> answer = CallOrThrow(context, *function, path, list, i);
     if (KVLFailed(isKept.AssignFrom(context, *answer))) {
       throw std::invalid_argument(Quoted(path) + " returns neither true nor false for element " +
                                   std::to_string(i));
