@@ -120,7 +120,7 @@ class Value final : public KVLCodeValue {
 /// - a decimal number without point and exponent: "int", or "int64" where it does not fit 32 bits;
 /// - another number: "double";
 /// - the name of a registered type before "(": a value of that type, whose text is what follows the
-///   name;
+///   name, or what is quoted between the parentheses;
 /// - any other text: "string".
 class AnyValue final : public KVLCodeValue {
  public:
@@ -234,24 +234,30 @@ inline bool IsIdentifierByte(char byte) {
          (byte >= '0' && byte <= '9') || byte == '_';
 }
 
-// "Name(...)", where a type is registered under the name; null otherwise, and when the type does
-// not read what follows its name.
+inline int IdentifierLength(const MRBUnicodeString& text) {
+  int length = 0;
+  while (length < text.GetLengthInByte() && IsIdentifierByte(text.ConvertToChar()[length]))
+    ++length;
+  return length;
+}
+
+// "Name(...)", or "Name("...")" for a type whose text is not in parentheses, where a type is
+// registered under the name; null otherwise, and when the type does not read the text.
 inline KVLSmartPtr<KVLCodeValue> ReadNamed(const KVLCodeContext& context,
                                            const MRBUnicodeString& text) {
-  const char* const bytes = text;
-  const int length = text.GetLengthInByte();
-  int nameLength = 0;
-  while (nameLength < length && IsIdentifierByte(bytes[nameLength]))
-    ++nameLength;
-  if (nameLength == 0 || nameLength == length || bytes[nameLength] != '(') return nullptr;
+  const int nameLength = IdentifierLength(text);
+  const int length = text.GetLengthInByte() - nameLength;
+  if (nameLength == 0 || length < 2 || text.ConvertToChar()[nameLength] != '(') return nullptr;
   const KVLSmartPtr<const KVLCodeType> type =
       context.GetTypeFromName(text.SubString(0, nameLength));
   if (!type) return nullptr;
   KVLSmartPtr<KVLCodeValue> value = type->CreateValue("");
-  if (!value ||
-      KVLFailed(value->SetValueStr(context, text.SubString(nameLength, length - nameLength)))) {
-    return nullptr;
-  }
+  if (!value) return nullptr;
+  MRBUnicodeString unquoted;
+  const bool isQuoted = text.ConvertToChar()[text.GetLengthInByte() - 1] == ')' &&
+                        !KVLFailed(Unquote(text.SubString(nameLength + 1, length - 2), unquoted));
+  if (isQuoted && !KVLFailed(value->SetValueStr(context, unquoted))) return value;
+  if (KVLFailed(value->SetValueStr(context, text.SubString(nameLength, length)))) return nullptr;
   return value;
 }
 
@@ -273,8 +279,8 @@ inline bool IsPlainNumber(const MRBUnicodeString& text) {
   return !KVLFailed(Parse(text, number));
 }
 
-// The text of a value from which `ReadAny` reads it back; a value of a type that has no form of its
-// own is written as a string.
+// The text of a value from which `ReadAny` reads it back, as long as its type is registered under a
+// name that is an identifier.
 inline long WriteAny(const KVLCodeContext& context, const KVLCodeValue& value, int depth,
                      MRBUnicodeString& text) {
   const MRBUnicodeString& typeName = value.GetTypeName();
@@ -307,7 +313,8 @@ inline long WriteAny(const KVLCodeContext& context, const KVLCodeValue& value, i
   } else if (value.IsList(context) == KVLResult_Success) {
     // Reads back as a list of any.
   } else if (typeName != "bool" && typeName != "int" && typeName != "int64" && typeName != "long") {
-    text = Quote(text);
+    const bool isNamed = IdentifierLength(typeName) == typeName.GetLengthInByte();
+    text = isNamed ? typeName + "(" + Quote(text) + ")" : Quote(text);
   }
   return KVLResult_Success;
 }

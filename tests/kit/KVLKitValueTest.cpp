@@ -219,10 +219,16 @@ TEST(KVLKitValue, WhatAnAnyWritesReadsBackToTheSame) {
   }
 }
 
-TEST(KVLKitValue, AnElementOfATypeWithoutFormOfItsOwnIsWrittenAsAString) {
+TEST(KVLKitValue, AValueWhoseTextIsNotInParenthesesIsNamedAndQuoted) {
   const KVLSmartPtr<KVLCodeValue> any = New("any");
   EXPECT_EQ(any->AssignFrom(KVLCodeContext(), *New("Hue")), 0);
-  EXPECT_EQ(TextOf(*any), "\"Red\"");
+  EXPECT_EQ(TextOf(*any), "Hue(\"Red\")");
+  EXPECT_EQ(KindOf("Hue(\"Blue\")"), "Hue");
+  EXPECT_EQ(Again("any", "[Hue(\"Blue\"),1]"), "[Hue(\"Blue\"),1]");
+  EXPECT_EQ(KindOf("Hue(\"Mauve\")"), "string");
+  EXPECT_EQ(KindOf("Hue("), "string");
+  EXPECT_EQ(KindOf("Hue(\""), "string");
+  EXPECT_EQ(KindOf("int(\"12\")"), "int");
 }
 
 TEST(KVLKitList, StringsAreAlwaysQuoted) {

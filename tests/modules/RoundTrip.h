@@ -111,9 +111,8 @@ void AssertSame(const std::vector<T>& a, const std::vector<T>& b) {
 }
 
 /// Whether "any", and a list of any, reads the type's values as such: an "int64" or "long" comes
-/// back as a whole number of the first type that has room for it, and a value whose text has no
-/// form of its own there as a string that holds the text.
-enum class InAny { KeepsType, KeepsText, BecomesString };
+/// back as a whole number of the first type that has room for it.
+enum class InAny { KeepsType, KeepsText };
 
 /// Checks the type registered under the name, whose values hold a `T`, and where there is one, the
 /// type of its lists.
@@ -135,13 +134,6 @@ void ExpectRoundTrips(const std::string& typeName, const rc::Gen<T>& data,
     const T datum = *data;
     const KVLSmartPtr<KVLCodeValue> any = Make(context, "any");
     RC_ASSERT(any->AssignFrom(context, *make(datum)) == KVLResult_Success);
-    if (inAny == InAny::BecomesString) {
-      const KVLSmartPtr<KVLCodeValue> read = Make(context, "any");
-      RC_ASSERT(read->SetValueStr(context, TextOf(context, *any).c_str()) == KVLResult_Success);
-      RC_ASSERT(kvl::Unwrapped(*read)->GetTypeName() == "string");
-      RC_ASSERT(TextOf(context, *kvl::Unwrapped(*read)) == TextOf(context, *make(datum)));
-      return;
-    }
     const KVLSmartPtr<KVLCodeValue> read = Reread(context, *any);
     if (inAny == InAny::KeepsText) return;
     const KVLCodeValue* const held = kvl::Unwrapped(*read);
