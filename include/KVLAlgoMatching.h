@@ -62,8 +62,6 @@ class KVL_EXPORT KVLAlgoMatching {
     Asker all;
     Asker one;  // ends once one is found
   };
-  KVL_LOCAL static inline void AskAll(Predicate predicate, void* data, Round& round);
-  KVL_LOCAL static inline void AskForOne(Predicate predicate, void* data, Round& round);
 
   /// How far a round is, in registers meanwhile; written back also where the predicate throws.
   struct Progress {
@@ -75,6 +73,26 @@ class KVL_EXPORT KVLAlgoMatching {
     const int* next;
     int* found;
   };
+
+  KVL_LOCAL static void AskAll(Predicate predicate, void* data, Round& round) {
+    Progress progress{round, round.next, round.found};
+    const int left = round.left;
+    for (const int* const end = round.end; progress.next != end; ++progress.next) {
+      const bool mayMatch = predicate(left, *progress.next, data);
+      // Without a branch: each is written, and the next one over it unless it may be matched.
+      *progress.found = *progress.next;
+      progress.found += mayMatch;
+    }
+  }
+
+  KVL_LOCAL static void AskForOne(Predicate predicate, void* data, Round& round) {
+    Progress progress{round, round.next, round.found};
+    const int left = round.left;
+    bool isFound = false;
+    for (const int* const end = round.end; progress.next != end && !isFound; ++progress.next)
+      isFound = predicate(left, *progress.next, data);
+    if (isFound) *progress.found++ = progress.next[-1];
+  }
 
   /// Whom a left element may be matched with, as far as that is known.
   struct Row {
@@ -121,25 +139,5 @@ class KVL_EXPORT KVLAlgoMatching {
   KVLVector<int> partners;         // their lists
   Askers askers;
 };
-
-inline void KVLAlgoMatching::AskAll(Predicate predicate, void* data, Round& round) {
-  Progress progress{round, round.next, round.found};
-  const int left = round.left;
-  for (const int* const end = round.end; progress.next != end; ++progress.next) {
-    const bool mayMatch = predicate(left, *progress.next, data);
-    // Without a branch: each is written, and the next one over it unless it may be matched.
-    *progress.found = *progress.next;
-    progress.found += mayMatch;
-  }
-}
-
-inline void KVLAlgoMatching::AskForOne(Predicate predicate, void* data, Round& round) {
-  Progress progress{round, round.next, round.found};
-  const int left = round.left;
-  bool isFound = false;
-  for (const int* const end = round.end; progress.next != end && !isFound; ++progress.next)
-    isFound = predicate(left, *progress.next, data);
-  if (isFound) *progress.found++ = progress.next[-1];
-}
 
 #endif
