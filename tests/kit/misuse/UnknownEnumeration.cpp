@@ -1,4 +1,4 @@
-// or, for an enumeration: 
+// or, for an enumeration:
 #include "KVLKit.h"
 enum class Axis { X };
 KVL_FUNCTION("f", "", "", [] { return Axis::X; });
