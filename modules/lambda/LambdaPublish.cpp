@@ -124,8 +124,8 @@ KVLVector<std::optional<MRBUnicodeString>> FixedTexts(const KVLCodeContext& cont
   }
   const calls::CallerPtr caller = calls::CreateCaller(function, context);
   KVLVector<std::optional<MRBUnicodeString>> texts;
+  texts.Resize(values.GetCount());
   for (int i = 0; i < values.GetCount(); ++i) {
-    texts.Append(std::nullopt);
     if (IsOpen(values[i])) continue;
     calls::SetArg(*caller, i, values[i]);
     MRBUnicodeString text;
