@@ -47,6 +47,7 @@ TEST(KVLInterrupt, ControlCEndsACallThatAsksAndThePromptGoesOn) {
   terminal.Type("call math/add 40 2\r");
   EXPECT_SHOWN(terminal, "\r\n42\r\n");
   EXPECT_EQ(terminal.GetShown().find("\r\n2\r\n"), std::string::npos) << terminal.GetShown();
+  EXPECT_SHOWN(terminal, Prompt);
   terminal.Type(ControlD);
   EXPECT_EQ(terminal.Wait(), KVLExit_Done);
 }
