@@ -141,18 +141,19 @@
 #define KVL_KIT_EACH_30(T, a, ...) T::a, KVL_KIT_EACH_29(T, __VA_ARGS__)
 #define KVL_KIT_EACH_31(T, a, ...) T::a, KVL_KIT_EACH_30(T, __VA_ARGS__)
 #define KVL_KIT_EACH_32(T, a, ...) T::a, KVL_KIT_EACH_31(T, __VA_ARGS__)
-#define KVL_KIT_NTH(a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, a16, a17,   \
-                    a18, a19, a20, a21, a22, a23, a24, a25, a26, a27, a28, a29, a30, a31, a32, n, \
-                    ...)                                                                          \
+#define KVL_KIT_NTH(a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, a16, a17, \
+                    a18, a19, a20, a21, a22, a23, a24, a25, a26, a27, a28, a29, a30, a31, a32,  \
+                    a33, n, ...)                                                                \
   n
+#define KVL_KIT_TOO_MANY(T, ...) (::kvl::detail::RefuseValues<T>(), T())
 #define KVL_KIT_EACH(T, ...)                                                                       \
-  KVL_KIT_NTH(__VA_ARGS__, KVL_KIT_EACH_32, KVL_KIT_EACH_31, KVL_KIT_EACH_30, KVL_KIT_EACH_29,     \
-              KVL_KIT_EACH_28, KVL_KIT_EACH_27, KVL_KIT_EACH_26, KVL_KIT_EACH_25, KVL_KIT_EACH_24, \
-              KVL_KIT_EACH_23, KVL_KIT_EACH_22, KVL_KIT_EACH_21, KVL_KIT_EACH_20, KVL_KIT_EACH_19, \
-              KVL_KIT_EACH_18, KVL_KIT_EACH_17, KVL_KIT_EACH_16, KVL_KIT_EACH_15, KVL_KIT_EACH_14, \
-              KVL_KIT_EACH_13, KVL_KIT_EACH_12, KVL_KIT_EACH_11, KVL_KIT_EACH_10, KVL_KIT_EACH_9,  \
-              KVL_KIT_EACH_8, KVL_KIT_EACH_7, KVL_KIT_EACH_6, KVL_KIT_EACH_5, KVL_KIT_EACH_4,      \
-              KVL_KIT_EACH_3, KVL_KIT_EACH_2, KVL_KIT_EACH_1, 0)                                   \
+  KVL_KIT_NTH(__VA_ARGS__, KVL_KIT_TOO_MANY, KVL_KIT_EACH_32, KVL_KIT_EACH_31, KVL_KIT_EACH_30,    \
+              KVL_KIT_EACH_29, KVL_KIT_EACH_28, KVL_KIT_EACH_27, KVL_KIT_EACH_26, KVL_KIT_EACH_25, \
+              KVL_KIT_EACH_24, KVL_KIT_EACH_23, KVL_KIT_EACH_22, KVL_KIT_EACH_21, KVL_KIT_EACH_20, \
+              KVL_KIT_EACH_19, KVL_KIT_EACH_18, KVL_KIT_EACH_17, KVL_KIT_EACH_16, KVL_KIT_EACH_15, \
+              KVL_KIT_EACH_14, KVL_KIT_EACH_13, KVL_KIT_EACH_12, KVL_KIT_EACH_11, KVL_KIT_EACH_10, \
+              KVL_KIT_EACH_9, KVL_KIT_EACH_8, KVL_KIT_EACH_7, KVL_KIT_EACH_6, KVL_KIT_EACH_5,      \
+              KVL_KIT_EACH_4, KVL_KIT_EACH_3, KVL_KIT_EACH_2, KVL_KIT_EACH_1, 0)                   \
   (T, __VA_ARGS__)
 
 #endif

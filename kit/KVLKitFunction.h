@@ -617,6 +617,8 @@ class Function final : public KVLCodeFunction {
   class Caller;
   using Values = KVLVector<KVLSmartPtr<KVLCodeValue>>;
 
+  static bool IsParsed(const TypeTable& type, const MRBUnicodeString& text, void* data);
+
   const detail::SignatureTable& signature;
   const detail::Callable callable;
   Values defaults;  // of plain types; null where there is none
@@ -740,6 +742,15 @@ inline KVLSmartPtr<KVLCodeFunctionCaller> Function::CreateCaller(
   return KVLSmartPtr<KVLCodeFunctionCaller>(new (*this) Caller(*this, context));
 }
 
+// A parser that throws has not read the text either: nobody could catch while a module loads.
+inline bool Function::IsParsed(const TypeTable& type, const MRBUnicodeString& text, void* data) {
+  try {
+    return !KVLFailed(type.parse(text, data));
+  } catch (...) {
+    return false;
+  }
+}
+
 inline long Function::InitImpl() {
   isMethod = signature.isMethod || (signature.count > 0 && params[0].name == "this");
   spareArgs.Resize(0);
@@ -752,7 +763,7 @@ inline long Function::InitImpl() {
     if (param.defaultValue.IsEmpty() || type.kind != TypeTable::Data) continue;
     Value* const value = new Value(type, MRBUnicodeString());
     const KVLSmartPtr<KVLCodeValue> held(value);
-    if (KVLFailed(type.parse(param.defaultValue, value->GetValuePtr()))) {
+    if (!IsParsed(type, param.defaultValue, value->GetValuePtr())) {
       messages.Append("Default value '" + param.defaultValue + "' of parameter '" + param.name +
                       "' is no " + param.typeName + ".");
       continue;

@@ -73,7 +73,13 @@ KVLSmartPtr<KVLCodeObject> MakeType() {
 }
 
 template <class T>
+inline constexpr bool IsPlain = TableOf<T>.kind == TypeTable::Data;
+
+template <class T>
 KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name, const T& data) {
+  static_assert(IsPlain<T>,
+                "kvl: a variable is of a plain type. Publish a function that returns the list or "
+                "the value of any type.");
   Value* const value = new Value(TableOf<T>, name);
   const KVLSmartPtr<KVLCodeObject> object(value);
   value->template Get<T>() = data;
@@ -83,8 +89,14 @@ KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name, const T& d
 inline KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name, const char* text) {
   return MakeVariable(name, MRBUnicodeString(text));
 }
+inline KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name,
+                                               const std::string& text) {
+  return MakeVariable(name, MRBUnicodeString(text.data(), static_cast<int>(text.size())));
+}
 template <class T, std::enable_if_t<!std::is_const_v<T>, int> = 0>
 KVLSmartPtr<KVLCodeObject> MakeVariable(const MRBUnicodeString& name, T* variable) {
+  static_assert(IsPlain<T>,
+                "kvl: a variable is of a plain type. Publish functions that get and set it.");
   return KVLSmartPtr<KVLCodeObject>(new Value(TableOf<T>, name, variable));
 }
 

@@ -124,6 +124,9 @@ long Parse(const MRBUnicodeString& text, Number& data) {
 /// The shortest form that reads back to the same number.
 template <class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
 MRBUnicodeString Print(Number data) {
+  // Which sign an operation without a result gives its "nan", the processor decides.
+  if constexpr (std::is_floating_point_v<Number>)
+    if (data != data) return "nan";
   char buffer[32];
   const std::to_chars_result written = std::to_chars(buffer, buffer + sizeof(buffer), data);
   return MRBUnicodeString(buffer, static_cast<int>(written.ptr - buffer));

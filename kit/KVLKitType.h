@@ -91,6 +91,11 @@ struct EnumEntries {
   int count;
 };
 
+template <class Enum>
+constexpr void RefuseValues() {
+  static_assert(IsNever<Enum>, "kvl: an enumeration has up to 32 values");
+}
+
 // The name at `begin`, which a "," or the end ends; sets `begin` behind it.
 inline MRBUnicodeString NextName(const char*& begin) {
   while (*begin == ' ' || *begin == ',')

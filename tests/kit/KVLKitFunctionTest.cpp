@@ -9,6 +9,15 @@
 
 namespace {
 
+// Reads nothing, and throws.
+struct Sour {};
+bool ParseSour(const MRBUnicodeString& text, Sour&) {
+  throw std::out_of_range(text.ConvertToChar());
+}
+MRBUnicodeString PrintSour(const Sour&) {
+  return "sour";
+}
+
 double Hypot(double a, double b) {
   return std::hypot(a, b);
 }
@@ -22,6 +31,8 @@ int calls = 0;
 
 }  // namespace
 
+KVL_TYPE(Sour, "Sour", ParseSour, PrintSour);
+KVL_FUNCTION("kit/sour", "a = sweet", "", [](const Sour&) { return 1; });
 KVL_FUNCTION("kit/hypot", "a, b = 4", "Length of (a, b).", Hypot);
 KVL_FUNCTION("kit/twice", "number", "", &Twice);
 KVL_FUNCTION("kit/longer", "a, b", "", Longer);
@@ -346,6 +357,13 @@ TEST(KVLKitFunction, ADefaultThatIsNotReadAndASurplusNameLeaveMessages) {
   EXPECT_EQ(messages[0], "Too many parameters. Expected 1, got 2.");
   EXPECT_EQ(messages[1], "Default value 'x' of parameter 'a' is no int.");
   EXPECT_EQ(KitResult("kit/surplus", {}), "0");
+}
+
+TEST(KVLKitFunction, AParserThatThrowsOnADefaultLeavesAMessage) {
+  ASSERT_TRUE(KitFind("kit/sour"));
+  const KVLVector<MRBUnicodeString> messages = KitFind("kit/sour")->Check();
+  ASSERT_EQ(messages.GetCount(), 1);
+  EXPECT_EQ(messages[0], "Default value 'sweet' of parameter 'a' is no Sour.");
 }
 
 TEST(KVLKitFunction, ACallThatIsMadeAgainGivesAFreshResult) {

@@ -16,6 +16,7 @@ KVL_FUNCTION("kit/publish/undocumented", "", "", [] {});
 KVL_VARIABLE("kit/publish/pi", 3.25, "A constant.");
 KVL_VARIABLE("kit/publish/host", "localhost", "Where it listens.");
 KVL_VARIABLE("kit/publish/hue", Hue::Green, "");
+KVL_VARIABLE("kit/publish/name", std::string("a standard string"), "");
 KVL_VARIABLE("kit/publish/port", &port, "Where it listens.");
 KVL_DOC("kit/publish", "Things to publish.");
 KVL_DOC("_types/Spot", "A place.");
@@ -63,6 +64,7 @@ TEST(KVLKitPublish, AConstantIsReadOnly) {
   EXPECT_EQ(KitVariable("kit/publish/pi"), "3.25");
   EXPECT_EQ(KitVariable("kit/publish/host"), "localhost");
   EXPECT_EQ(KitVariable("kit/publish/hue"), "Green");
+  EXPECT_EQ(KitVariable("kit/publish/name"), "a standard string");
 }
 
 TEST(KVLKitPublish, AVariableOfTheModuleIsReadAndWritten) {

@@ -44,6 +44,8 @@ TEST(KVLKitText, DoublesAreWrittenInTheShortestFormThatReadsBack) {
   EXPECT_EQ(number, -std::numeric_limits<double>::infinity());
   EXPECT_EQ(Read("nan", number), 0);
   EXPECT_TRUE(std::isnan(number));
+  EXPECT_EQ(kvl::Print(number), "nan");
+  EXPECT_EQ(kvl::Print(std::copysign(number, -1.0)), "nan");
   EXPECT_EQ(Read("1e999", number), KVLResult_InvalidArgument);
 }
 
