@@ -73,11 +73,11 @@ KVLShellOutcome SetList(const KVLShellExpression& list, int i, KVLShellWork& wor
     const KVLShellOutcome outcome = KVLShellEvaluate(list, work, value, nullptr);
     return outcome.IsSuccess() ? call.SetValue(i, value, list.position) : outcome;
   }
-  MRBUnicodeString text;
-  MRBUnicodeString elementTypeName;
-  const KVLShellOutcome outcome = KVLShellWriteList(list, work, text, elementTypeName);
+  KVLShellListTexts texts;
+  const KVLShellOutcome outcome = KVLShellWriteList(list, work, texts);
+  const bool takesAny = KVLShellIsListOfAny(work.context, call.GetParam(i).typeName);
   return outcome.IsSuccess()
-             ? call.SetText(i, text, list.position,
+             ? call.SetText(i, takesAny ? texts.any : texts.typed, list.position,
                             work.text.SubString(list.position, list.end - list.position))
              : outcome;
 }

@@ -26,7 +26,7 @@ KVLSmartPtr<KVLCodeValue> ReadByForm(const KVLShellWord& word, const KVLShellWor
     }
     if (const auto value = KVLShellReadScalar(work.context, word.text)) return value;
     if (KVLStringOperations::StartsWith(word.text, "[")) {
-      return KVLShellReadList(work.context, "", word.text);
+      return KVLShellReadList(work.context, {word.text, word.text, ""});
     }
   }
   return KVLShellReadAs(work.context, "string", word.text);

@@ -74,16 +74,16 @@ KVLShellOutcome EvaluateSession(const KVLShellExpression& name, KVLShellWork& wo
 }
 
 KVLShellOutcome EvaluateList(const KVLShellExpression& list, KVLShellWork& work, Value& value) {
-  MRBUnicodeString text;
-  MRBUnicodeString elementTypeName;
-  const KVLShellOutcome outcome = KVLShellWriteList(list, work, text, elementTypeName);
+  KVLShellListTexts texts;
+  const KVLShellOutcome outcome = KVLShellWriteList(list, work, texts);
   if (!outcome.IsSuccess()) return outcome;
-  value = KVLShellReadList(work.context, elementTypeName, text);
+  value = KVLShellReadList(work.context, texts);
   if (value) return outcome;
-  KVLShellOutcome refused(KVLShellResult_Argument,
-                          "no list type is registered that reads '" + KVLShellPrintable(text) + "'",
-                          list.position);
-  refused.got = text;
+  KVLShellOutcome refused(
+      KVLShellResult_Argument,
+      "no list type is registered that reads '" + KVLShellPrintable(texts.typed) + "'",
+      list.position);
+  refused.got = texts.typed;
   return refused;
 }
 
@@ -140,6 +140,46 @@ KVLShellOutcome EvaluateCall(const KVLShellExpression& expression, KVLShellWork&
   return TakeOutputs(expression, work, call, outputs);
 }
 
+bool IsLiteral(const KVLShellExpression& expression) {
+  return expression.kind == KVLShellExpression::Quoted ||
+         (expression.kind == KVLShellExpression::Word &&
+          (KVLShellIsNumber(expression.text) || KVLShellIsTruth(expression.text)));
+}
+
+// The texts of one element, and its type.
+KVLShellOutcome WriteElement(const KVLShellExpression& item, KVLShellWork& work,
+                             KVLShellListTexts& element) {
+  if (item.kind == KVLShellExpression::Bracketed) {
+    element.typed = item.text;
+    element.any = item.text;
+    return KVLShellOutcome();
+  }
+  if (item.kind == KVLShellExpression::List) {
+    const KVLShellOutcome outcome = KVLShellWriteList(item, work, element);
+    element.elementTypeName = "";
+    return outcome;
+  }
+  Value value;
+  const KVLShellOutcome outcome = KVLShellEvaluate(item, work, value, nullptr);
+  if (!outcome.IsSuccess()) return outcome;
+  MRBUnicodeString text;
+  const long code = value->GetValueStr(work.context, text);
+  if (KVLFailed(code)) {
+    KVLShellOutcome unwritten(KVLResult_Failure,
+                              "the element cannot be written: " + KVLShellCodeText(code),
+                              item.position);
+    unwritten.cause = code;
+    return unwritten;
+  }
+  // A number stays as it was written.
+  const bool isNumber = item.kind == KVLShellExpression::Word && KVLShellIsNumber(item.text);
+  element.typed = isNumber ? item.text : KVLShellElementText(*value, text);
+  element.any =
+      IsLiteral(item) ? element.typed : KVLShellAnyElementText(work.context, *value, element.typed);
+  element.elementTypeName = value->GetTypeName();
+  return KVLShellOutcome();
+}
+
 }  // namespace
 
 KVLShellOutcome KVLShellUnknownVariable(const MRBUnicodeString& name, const KVLShellWork& work,
@@ -161,48 +201,32 @@ KVLShellOutcome KVLShellUnknownWord(const KVLShellExpression& word, const KVLShe
 }
 
 KVLShellOutcome KVLShellWriteList(const KVLShellExpression& list, KVLShellWork& work,
-                                  MRBUnicodeString& text, MRBUnicodeString& elementTypeName) {
-  text = "[";
+                                  KVLShellListTexts& texts) {
+  texts.typed = "[";
+  texts.any = "[";
   bool isFirst = true;
   for (const KVLShellExpression& item : list.items) {
     if (KVLShellIsInterrupted()) {
       return KVLShellOutcome(KVLShellResult_Interrupted, "interrupted", list.position);
     }
-    MRBUnicodeString itemText;
-    MRBUnicodeString itemTypeName;
-    if (item.kind == KVLShellExpression::Bracketed) {
-      itemText = item.text;
-    } else if (item.kind == KVLShellExpression::List) {
-      MRBUnicodeString inner;
-      const KVLShellOutcome outcome = KVLShellWriteList(item, work, itemText, inner);
-      if (!outcome.IsSuccess()) return outcome;
-    } else {
-      Value value;
-      const KVLShellOutcome outcome = KVLShellEvaluate(item, work, value, nullptr);
-      if (!outcome.IsSuccess()) return outcome;
-      const long code = value->GetValueStr(work.context, itemText);
-      if (KVLFailed(code)) {
-        KVLShellOutcome unwritten(KVLResult_Failure,
-                                  "the element cannot be written: " + KVLShellCodeText(code),
-                                  item.position);
-        unwritten.cause = code;
-        return unwritten;
-      }
-      // A number stays as it was written.
-      const bool isNumber = item.kind == KVLShellExpression::Word && KVLShellIsNumber(item.text);
-      itemText = isNumber ? item.text : KVLShellElementText(*value, itemText);
-      itemTypeName = value->GetTypeName();
+    KVLShellListTexts element;
+    const KVLShellOutcome outcome = WriteElement(item, work, element);
+    if (!outcome.IsSuccess()) return outcome;
+    if (!isFirst) {
+      texts.typed += ",";
+      texts.any += ",";
     }
-    if (!isFirst) text += ",";
-    text += itemText;
+    texts.typed += element.typed;
+    texts.any += element.any;
     if (isFirst) {
-      elementTypeName = itemTypeName;
-    } else if (elementTypeName != itemTypeName) {
-      elementTypeName = "";
+      texts.elementTypeName = element.elementTypeName;
+    } else if (texts.elementTypeName != element.elementTypeName) {
+      texts.elementTypeName = "";
     }
     isFirst = false;
   }
-  text += "]";
+  texts.typed += "]";
+  texts.any += "]";
   return KVLShellOutcome();
 }
 

@@ -4,6 +4,7 @@
 #include "KVLCodeValue.h"
 #include "KVLShellCall.h"
 #include "KVLShellSyntax.h"
+#include "KVLShellValue.h"
 #include "KVLShellWork.h"
 
 /// Finds the value of `expression`. `value` is shared: a variable's is the variable itself.
@@ -22,10 +23,9 @@ KVLShellOutcome KVLShellEvaluate(const KVLShellExpression& expression, KVLShellW
 KVLShellOutcome KVLShellSetArguments(const KVLShellExpression& expression, KVLShellWork& work,
                                      KVLShellCall& call, KVLVector<int>* openParameters);
 
-/// The text of a list from those of its elements, which are evaluated. `elementTypeName`: theirs,
-/// empty when they differ.
+/// The texts of a list from those of its elements, which are evaluated once.
 KVLShellOutcome KVLShellWriteList(const KVLShellExpression& list, KVLShellWork& work,
-                                  MRBUnicodeString& text, MRBUnicodeString& elementTypeName);
+                                  KVLShellListTexts& texts);
 
 /// The outcomes for a word that leads nowhere, and for a session value that is not set.
 KVLShellOutcome KVLShellUnknownWord(const KVLShellExpression& word, const KVLShellWork& work);

@@ -98,14 +98,15 @@ KVLSmartPtr<KVLCodeValue> KVLShellReadScalar(const KVLCodeContext& context,
 }
 
 KVLSmartPtr<KVLCodeValue> KVLShellReadList(const KVLCodeContext& context,
-                                           const MRBUnicodeString& elementTypeName,
-                                           const MRBUnicodeString& text) {
-  for (const MRBUnicodeString& name : {elementTypeName, MRBUnicodeString(AnyTypeName)}) {
+                                           const KVLShellListTexts& texts) {
+  for (const bool isTyped : {true, false}) {
+    const MRBUnicodeString name = isTyped ? texts.elementTypeName : MRBUnicodeString(AnyTypeName);
     const KVLSmartPtr<const KVLCodeType> type = name.IsEmpty() ? nullptr : FindListType(name);
     const KVLSmartPtr<KVLCodeValue> value = type ? type->CreateValue("value") : nullptr;
+    const MRBUnicodeString& text = isTyped ? texts.typed : texts.any;
     if (value && !KVLFailed(value->SetValueStr(context, text))) return value;
   }
-  return KVLShellReadAs(context, AnyListTypeName, text);
+  return KVLShellReadAs(context, AnyListTypeName, texts.any);
 }
 
 bool KVLShellDescendsInALoop(const MRBUnicodeString& typeName) {
@@ -132,6 +133,25 @@ MRBUnicodeString KVLShellElementText(const KVLCodeValue& value, const MRBUnicode
       value.GetTypeName() == "string" && !KVLStringOperations::StartsWith(text, "\"");
   const bool isSafe = !isPlain && IsOneElement(text);
   return isSafe ? text : KVLShellQuote(text);
+}
+
+MRBUnicodeString KVLShellAnyElementText(const KVLCodeContext& context, const KVLCodeValue& value,
+                                        const MRBUnicodeString& elementText) {
+  const MRBUnicodeString& typeName = value.GetTypeName();
+  if (typeName == "string" || KVLShellDescendsInALoop(typeName)) return elementText;
+  const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(AnyTypeName);
+  const KVLSmartPtr<KVLCodeValue> any = type ? type->CreateValue("value") : nullptr;
+  MRBUnicodeString text;
+  const bool isWritten = any && !KVLFailed(any->AssignFrom(context, value)) &&
+                         !KVLFailed(any->GetValueStr(context, text));
+  return isWritten && IsOneElement(text) ? text : elementText;
+}
+
+bool KVLShellIsListOfAny(const KVLCodeContext& context, const MRBUnicodeString& typeName) {
+  if (typeName == AnyListTypeName) return true;
+  const KVLSmartPtr<const KVLCodeType> type = KVLShellFindType(typeName);
+  MRBUnicodeString elementTypeName;
+  return type && type->IsList(&elementTypeName) && KVLShellHoldsAny(context, elementTypeName);
 }
 
 KVLShellNode KVLShellValueNode(const KVLCodeContext& context, const KVLCodeValue& value) {

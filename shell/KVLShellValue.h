@@ -31,12 +31,17 @@ bool KVLShellIsTruth(const MRBUnicodeString& word);
 KVLSmartPtr<KVLCodeValue> KVLShellReadScalar(const KVLCodeContext& context,
                                              const MRBUnicodeString& text);
 
-/// The list that a text stands for where no type is expected. `elementTypeName`: of the elements,
-/// where they are all of one type; a list of anything is made where there is no list of it. Null
-/// when no list type is registered that reads the text.
+/// A list as text.
+struct KVLShellListTexts {
+  MRBUnicodeString typed;            ///< for a list whose type tells what its elements are
+  MRBUnicodeString any;              ///< for a list of anything: an element's text tells its type
+  MRBUnicodeString elementTypeName;  ///< of the elements; empty when they differ
+};
+
+/// The list that texts stand for where no type is expected: a list of anything where there is no
+/// list of the elements' type. Null when no list type is registered that reads them.
 KVLSmartPtr<KVLCodeValue> KVLShellReadList(const KVLCodeContext& context,
-                                           const MRBUnicodeString& elementTypeName,
-                                           const MRBUnicodeString& text);
+                                           const KVLShellListTexts& texts);
 
 /// True for a type whose parent, its parent and so on come back to one of them: to assign values of
 /// such a type to others would never end.
@@ -47,6 +52,14 @@ bool KVLShellHoldsAny(const KVLCodeContext& context, const MRBUnicodeString& typ
 
 /// The text of a value inside a list: quoted where it would not read back otherwise.
 MRBUnicodeString KVLShellElementText(const KVLCodeValue& value, const MRBUnicodeString& text);
+
+/// The text of a value inside a list of anything, which tells its type where the type "any" writes
+/// it so. `elementText`: what it is inside a list of its own type.
+MRBUnicodeString KVLShellAnyElementText(const KVLCodeContext& context, const KVLCodeValue& value,
+                                        const MRBUnicodeString& elementText);
+
+/// True for a type of lists that hold values of any type.
+bool KVLShellIsListOfAny(const KVLCodeContext& context, const MRBUnicodeString& typeName);
 
 /// The value as an answer shows it; without a text where it cannot be written.
 KVLShellNode KVLShellValueNode(const KVLCodeContext& context, const KVLCodeValue& value);

@@ -15,6 +15,17 @@ TEST(KVLProgram, ACallTravelsThroughShellAndModuleAndBack) {
   EXPECT_EQ(ended.exitCode, KVLExit_Done);
 }
 
+TEST(KVLProgram, AnElementOfAListKeepsItsType) {
+  const auto typeOfFirst = [](const std::string& list) {
+    return RunText("scalar/typeof(list/get(" + list + ", 0))").output;
+  };
+  EXPECT_EQ(typeOfFirst("[geom/between((0,0),(1,1)), 1]"), "Point\n");
+  EXPECT_EQ(typeOfFirst("[math/add(1,2), 1]"), "double\n");
+  EXPECT_EQ(typeOfFirst("[1, math/add(1,2)]"), "int\n");
+  EXPECT_EQ(RunText("l = [geom/axis/direction(X)]; scalar/typeof(list/get($l))").output,
+            "Direction\n");
+}
+
 TEST(KVLProgram, TheTourPrintsWhatItAlwaysPrinted) {
   const KVLEnded ended = RunKvl(Quoted(std::string(KVL_SOURCE) + "/examples/tour.kvl"));
   EXPECT_EQ(ended.error, "");

@@ -51,7 +51,26 @@ TEST(KVLShellExpression, AListAloneHasTheTypeOfItsElements) {
   EXPECT_EQ(TypeOf("[\"a\"]"), "KVLVector<string>");
   EXPECT_EQ(TypeOf("[1, \"a\"]"), "KVLVector<KVLCodeValue_var>");
   EXPECT_EQ(TypeOf("[]"), "KVLVector<KVLCodeValue_var>");
-  EXPECT_EQ(ValueOf("[1, [2, 3], \"a, b\", num/pi, num/add(1, 2)]"), "[1,[2,3],\"a, b\",3.25,3]\n");
+  EXPECT_EQ(ValueOf("[1, [2, 3], \"a, b\", num/pi, num/add(1, 2)]"),
+            "[1,[2,3],\"a, b\",3.25,3.0]\n");
+}
+
+TEST(KVLShellExpression, AnElementOfAListOfAnythingKeepsItsType) {
+  const SessionGuard guard;
+  EXPECT_EQ(ValueOf("[num/add(1, 2), 1, true, \"x\"]"), "[3.0,1,true,\"x\"]\n");
+  EXPECT_EQ(ValueOf("[hue/next(Red), 1]"), "[Hue(\"Green\"),1]\n");
+  EXPECT_EQ(ValueOf("[1, [hue/next(Red), 2]]"), "[1,[Hue(\"Green\"),2]]\n");
+  EXPECT_EQ(ValueOf("[word/echo(\"3\"), 1]"), "[\"3\",1]\n");
+  (void)Ask("hue = hue/next(Red)");
+  EXPECT_EQ(ValueOf("[$hue, 1]"), "[Hue(\"Green\"),1]\n");
+  EXPECT_EQ(ValueOf("list/sum([num/add(1, 2), 1])"), "4\n");
+}
+
+TEST(KVLShellExpression, AnElementIsEvaluatedOnce) {
+  const SessionGuard guard;
+  (void)Ask("n = 1");
+  EXPECT_EQ(ValueOf("[num/increment(&n), 1]; $n").substr(0, 1), "[");
+  EXPECT_EQ(ValueOf("$n"), "2\n");
 }
 
 TEST(KVLShellExpression, APathIsTheValueOfItsVariable) {
