@@ -37,6 +37,12 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork& work,
   if (expression.kind != KVLShellExpression::Call) {
     return arguments.Misused("what is bound is a call", expression.position);
   }
+  for (const KVLShellExpression& argument : expression.items) {
+    if (argument.kind != KVLShellExpression::Output) continue;
+    return KVLShellOutcome(KVLShellResult_Usage,
+                           "bind: '&' takes an output of a call; leave the parameter open instead",
+                           argument.position);
+  }
   const KVLShellWord& name = arguments[0];
   KVLShellOutcome outcome = CheckName(name, work.session);
   if (!outcome.IsSuccess()) return outcome;

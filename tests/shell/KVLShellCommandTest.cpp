@@ -305,6 +305,15 @@ TEST(KVLShellBind, IsRefusedWhereTheNameIsTakenOrReserved) {
   EXPECT_EQ(Ask("check").output, "");
 }
 
+TEST(KVLShellBind, AnOutputIsNotTaken) {
+  const Json error = ErrorOf("bind f = num/divmod(17, 5, &q)");
+  EXPECT_EQ(error["kind"], "usage");
+  EXPECT_EQ(error["message"],
+            "bind: '&' takes an output of a call; leave the parameter open instead");
+  EXPECT_EQ(error["offset"], 27);
+  EXPECT_EQ(ErrorOf("f(17, 5)")["kind"], "not_found");
+}
+
 TEST(KVLShellUse, MakesAnEnvironmentVisibleAtTheTop) {
   EXPECT_EQ(Ask("use num; hypot(3, 4); pi").output, "5\n3.25\n");
   EXPECT_EQ(Ask("use").output, "num\n");
