@@ -221,6 +221,13 @@ KVLShellOutcome KVLShellNotFound(const MRBUnicodeString& kind, const MRBUnicodeS
   outcome.path = path;
   outcome.got = path;
   if (names.IsEmpty()) return outcome;
+  const KVLShellPlace there = KVLShellFind(PathOf(names, reached + 1));
+  if (there.IsFound()) {
+    const MRBUnicodeString shown = KVLShellPrintable(there.path);
+    outcome.message += there.object ? ": '" + shown + "' is no environment"
+                                    : ": '" + shown + "/' is an environment";
+    return outcome;
+  }
 
   const MRBUnicodeString parent = PathOf(names, reached);
   const MRBUnicodeString prefix = parent.IsEmpty() ? parent : parent + "/";

@@ -88,6 +88,16 @@ TEST(KVLShellExpression, APathWithoutAValueIsRefused) {
                 "no object 'num/pj': 'num/' holds no 'pj'; did you mean 'num/pi'?", 0);
 }
 
+TEST(KVLShellExpression, WhatIsOfTheOtherKindIsSaidToBe) {
+  ExpectRefused("use num/hypot", KVLShellResult_NotFound,
+                "no environment 'num/hypot': 'num/hypot' is no environment", 4);
+  ExpectRefused("word/length(num)", KVLShellResult_NotFound,
+                "no object 'num': 'num/' is an environment (a text is written \"num\")", 12);
+  ExpectRefused("info num/hypot/x", KVLShellResult_NotFound,
+                "no environment or object 'num/hypot/x': 'num/hypot' is no environment", 5);
+  EXPECT_EQ(Ask("use num/hypot").code, KVLShellResult_NotFound);
+}
+
 TEST(KVLShellExpression, AWordThatLeadsNowhereMayBeAMistypedCommandOrValue) {
   const SessionGuard guard;
   ExpectRefused("vras", KVLShellResult_Usage, "unknown command 'vras'; did you mean 'vars'?", 0);
