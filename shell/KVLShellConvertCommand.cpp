@@ -2,6 +2,7 @@
 
 #include "KVLCodeFunction.h"
 #include "KVLShellCommand.h"
+#include "KVLShellEvaluate.h"
 #include "KVLShellPath.h"
 #include "KVLShellResult.h"
 #include "KVLShellValue.h"
@@ -163,6 +164,11 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork& work,
   const KVLSmartPtr<KVLCodeValue> from =
       count == 3 ? KVLShellReadAs(work.context, fromName, valueWord.text)
                  : ReadByForm(valueWord, work);
+  if (!from && count == 2 && !valueWord.isQuoted &&
+      KVLStringOperations::StartsWith(valueWord.text, "$")) {
+    const MRBUnicodeString name = valueWord.text.SubString(1, valueWord.text.GetLengthInByte());
+    return KVLShellUnknownVariable(name, work, valueWord.position);
+  }
   if (!from) {
     return Refused("'" + KVLShellPrintable(valueWord.text) + "' is no " +
                        (count == 3 ? fromName : MRBUnicodeString("value")),

@@ -252,6 +252,16 @@ TEST(KVLShellConvert, RefusalsSayWhy) {
   EXPECT_EQ(ErrorOf("convert 99999999999 int64 int")["kind"], "argument");
 }
 
+TEST(KVLShellConvert, AMistypedSessionValueIsNotFound) {
+  const SessionGuard guard;
+  (void)Ask("xx = 3");
+  const Json error = ErrorOf("convert $xy double");
+  EXPECT_EQ(error["code"], 3);
+  EXPECT_EQ(error["suggestion"], "$xx");
+  EXPECT_EQ(error["message"], "no session value '$xy'; did you mean '$xx'?");
+  EXPECT_EQ(ErrorOf("convert \"$xy\" double")["kind"], "argument");
+}
+
 TEST(KVLShellVars, ListsSessionValues) {
   const SessionGuard guard;
   EXPECT_EQ(Ask("vars").output, "");
