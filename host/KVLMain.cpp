@@ -43,10 +43,12 @@ int Complete(const KVLSession& session, const std::string& text) {
 }
 
 int ShowModules(const KVLModules& modules, const KVLOptions& options) {
-  if (!options.isQuiet) std::printf("%d loaded\n", modules.Count());
+  const int exitCode = modules.AreComplete() ? KVLExit_Done : KVLExit_Load;
+  if (options.isQuiet) return exitCode;
+  std::printf("%d loaded\n", modules.Count());
   for (const std::string& line : modules.DescribeRefused(true))
     std::fprintf(stderr, "kvl: %s\n", line.c_str());
-  return modules.AreComplete() ? KVLExit_Done : KVLExit_Load;
+  return exitCode;
 }
 
 // The session ends with this function, before the modules whose objects it holds are unloaded.

@@ -139,6 +139,13 @@ TEST(KVLStreams, ModulesTellsWhatWasRefused) {
   EXPECT_EQ(ended.error.find("KVLCodeEnv_Slow"), std::string::npos);
 }
 
+TEST(KVLStreams, QuietModulesTellsTheExitCodeAlone) {
+  const KVLEnded ended =
+      RunScript("KVLCodeEnv_Modules='KVLCodeEnv_Slow;KVLCodeEnv_Gone' \"$KVL\" -q --modules");
+  EXPECT_EQ(ended.exitCode, KVLExit_Load);
+  EXPECT_EQ(ended.output + ended.error, "");
+}
+
 TEST(KVLStreams, AModuleIsNamedWithoutAFolder) {
   const KVLEnded ended =
       RunScript("KVLCodeEnv_Modules=\"../bin/libKVLCodeEnv_Slow\" \"$KVL\" -c 'ls slow'");
