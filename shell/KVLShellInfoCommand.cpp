@@ -178,7 +178,11 @@ KVLShellOutcome Run(const KVLShellArguments& arguments, KVLShellWork& work,
   // The name of a type alone is clear enough.
   if (!place.IsFound() && KVLShellFindType(word.text)) place = KVLShellFind("_types/" + word.text);
   if (!place.IsFound()) {
-    return KVLShellNotFound("environment or object", word.text, word.position);
+    KVLShellOutcome outcome = KVLShellNotFound("environment or object", word.text, word.position);
+    if (outcome.suggestion.IsEmpty()) {
+      outcome.suggestion = KVLShellUnknownType(word.text, word.position).suggestion;
+    }
+    return outcome;
   }
   // A path may lead to both.
   answer.result = KVLShellNode::NewList();

@@ -194,6 +194,7 @@ TEST(KVLShellInfo, TellsAllInJson) {
   EXPECT_EQ(info["registered"].size(), 1u);
   EXPECT_EQ(ResultOf("info Hue")[0]["values"], Json::parse(R"j(["Red","Green","Blue"])j"));
   EXPECT_EQ(ErrorOf("info num/hypo")["suggestion"], "num/hypot");
+  EXPECT_EQ(ErrorOf("info doubel")["suggestion"], "double");
 }
 
 TEST(KVLShellConvert, TellsTheConversionTaken) {
