@@ -96,6 +96,7 @@ KVLShellOutcome KVLShellCall::Complete(int end) {
           Refused("argument '" + param.name + "' (" + param.typeName + ") is missing", end);
       outcome.parameter = param.name;
       outcome.expected = param.typeName;
+      outcome.isMissing = true;
       return outcome;
     }
     const KVLShellOutcome outcome = SetText(i, param.defaultValue, -1, param.defaultValue);

@@ -20,6 +20,7 @@ KVLShellOutcome WithoutType(const char* what, const char* typeName, int position
       KVLShellResult_Argument,
       MRBUnicodeString("no type '") + typeName + "' is registered for a " + what, position);
   outcome.expected = typeName;
+  outcome.isMissing = true;
   return outcome;
 }
 

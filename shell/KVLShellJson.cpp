@@ -62,7 +62,8 @@ Json ErrorOf(const MRBUnicodeString& text, const KVLShellOutcome& outcome) {
   error["parameter"] = TextOrNull(outcome.parameter);
   error["expected"] = TextOrNull(outcome.expected);
   // An empty text may well be what was given.
-  error["got"] = outcome.expected.IsEmpty() ? TextOrNull(outcome.got) : Json(StringOf(outcome.got));
+  const bool isGiven = !outcome.expected.IsEmpty() && !outcome.isMissing;
+  error["got"] = isGiven ? Json(StringOf(outcome.got)) : TextOrNull(outcome.got);
   error["suggestion"] = TextOrNull(outcome.suggestion);
   const bool isPlaced = outcome.position >= 0;
   const KVLShellColumn place = KVLShellColumnOf(text, outcome.position);

@@ -18,6 +18,7 @@ struct KVLShellOutcome {
   MRBUnicodeString parameter;   ///< of a function: its name
   MRBUnicodeString expected;    ///< the type
   MRBUnicodeString got;         ///< the text
+  bool isMissing = false;       ///< nothing was given, not even an empty text
   MRBUnicodeString suggestion;  ///< what was possibly meant
   MRBUnicodeString usage;       ///< of the command that was misused
   long cause = 0;               ///< the code of the operation that failed; 0 when there was none

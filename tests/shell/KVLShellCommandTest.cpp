@@ -263,6 +263,12 @@ TEST(KVLShellConvert, AMistypedSessionValueIsNotFound) {
   EXPECT_EQ(ErrorOf("convert \"$xy\" double")["kind"], "argument");
 }
 
+TEST(KVLShellCall, WhatIsMissingIsNullAndWhatIsEmptyIsNot) {
+  EXPECT_EQ(ErrorOf("num/add(1)")["expected"], "double");
+  EXPECT_TRUE(ErrorOf("num/add(1)")["got"].is_null());
+  EXPECT_EQ(ErrorOf("num/add(\"\", 1)")["got"], "");
+}
+
 TEST(KVLShellVars, ListsSessionValues) {
   const SessionGuard guard;
   EXPECT_EQ(Ask("vars").output, "");
