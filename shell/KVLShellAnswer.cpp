@@ -203,6 +203,7 @@ const KVLShellNode* KVLShellNode::Find(const char* fieldName) const {
 }
 
 MRBUnicodeString KVLShellNode::ToText() const {
+  if (!text.IsEmpty()) return text;
   switch (kind) {
     case Null:
     case Text:
@@ -221,7 +222,6 @@ MRBUnicodeString KVLShellNode::ToText() const {
       return number;
     }
     case List: {
-      if (!text.IsEmpty()) break;
       MRBUnicodeString joined;
       for (const KVLShellNode& item : children) {
         if (!joined.IsEmpty()) joined += ", ";

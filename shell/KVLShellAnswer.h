@@ -33,14 +33,14 @@ class KVLShellNode {
   KVLShellNode& Append(KVLShellNode item);
   /// Adds a field to a record, and returns it; valid until the next one.
   KVLShellNode& Set(const char* fieldName, KVLShellNode content);
-  /// What texts show in place of a list or record.
+  /// What texts show in place of a list, a record, a number or a truth value.
   KVLShellNode& ShowAs(const MRBUnicodeString& shown);
 
   Kind GetKind() const { return kind; }
   bool GetBool() const { return integer != 0; }
   long long GetInteger() const { return integer; }
   double GetReal() const { return real; }
-  /// The text, or what is shown in place of a list or record.
+  /// The text, or what `ShowAs` was given.
   const MRBUnicodeString& GetText() const { return text; }
   /// Of a field: its name; else null.
   const char* GetName() const { return name; }

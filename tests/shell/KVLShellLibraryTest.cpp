@@ -55,6 +55,7 @@ TEST(KVLShellLibrary, AModuleComesAndGoes) {
             "       ^\n");
   const Said unloaded = shell.Ask("unload Zeta");
   EXPECT_EQ(unloaded.code, KVLResult_Success) << unloaded.error;
+  EXPECT_NE(unloaded.output.find(" objects\n"), std::string::npos) << unloaded.output;
   EXPECT_EQ(shell.Ask("geom/length((3, 4))").code, KVLShellResult_NotFound);
   EXPECT_NE(shell.Ask("modules").output.find("KVLCodeEnv_Zeta     not loaded"), std::string::npos);
 }
