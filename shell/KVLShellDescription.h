@@ -14,6 +14,9 @@ MRBUnicodeString KVLShellSignature(const KVLCodeObject& object);
 /// "_members/Point/Distance".
 MRBUnicodeString KVLShellDocPath(const MRBUnicodeString& path);
 
+/// The paths below what the session uses that lead to the same as `path`: "math/hypot" for "hypot".
+KVLVector<MRBUnicodeString> KVLShellUsedPaths(const MRBUnicodeString& path);
+
 /// The doc of what `path` leads to; empty when there is none.
 MRBUnicodeString KVLShellDoc(const MRBUnicodeString& path);
 

@@ -254,17 +254,28 @@ class Check {
 
   // Documentation. An object that is found under several paths needs one text.
 
+  bool IsDocumentedAt(const std::string& path) const {
+    const KVLShellTreeObject* const doc = tree.FindObject(DocPath(path));
+    return doc && KVLShellIsDoc(*doc);
+  }
+
+  // What 'use' has brought to the top is met there first, and has its doc where it came from.
+  bool IsDocumentedWhereUsed(const std::string& path) const {
+    for (const MRBUnicodeString& usedPath : KVLShellUsedPaths(KVLShellText(path)))
+      if (IsDocumentedAt(KVLShellBytes(usedPath))) return true;
+    return false;
+  }
+
   void CheckDocs() {
     std::set<const KVLCodeObject*> documented;
     for (const KVLShellTreeObject& entry : tree.GetObjects()) {
-      const KVLShellTreeObject* const doc = tree.FindObject(DocPath(entry.path));
-      if (doc && KVLShellIsDoc(*doc)) documented.insert(entry.object.Get());
+      if (IsDocumentedAt(entry.path)) documented.insert(entry.object.Get());
     }
     std::set<const KVLCodeObject*> reported;
     for (const KVLShellTreeObject& entry : tree.GetObjects()) {
       if (!entry.object->AsFunction() || StartsWith(entry.path, ConversionsPrefix) ||
           StartsWith(entry.path, DocsPrefix) || documented.count(entry.object.Get()) != 0 ||
-          !reported.insert(entry.object.Get()).second) {
+          !reported.insert(entry.object.Get()).second || IsDocumentedWhereUsed(entry.path)) {
         continue;
       }
       Report("doc", entry, "has no documentation at '" + DocPath(entry.path) + "'");

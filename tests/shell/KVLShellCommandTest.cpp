@@ -331,6 +331,27 @@ TEST(KVLShellBind, AnOutputIsNotTaken) {
   EXPECT_EQ(ErrorOf("f(17, 5)")["kind"], "not_found");
 }
 
+TEST(KVLShellUse, WhatItBringsToTheTopKeepsItsDoc) {
+  const std::string before = Ask("check --strict").output;
+  (void)Ask("use num");
+  EXPECT_EQ(ResultOf("info hypot")[0]["doc"], "Length of (a, b).");
+  const std::string after = Ask("check --strict").output;
+  (void)Ask("unuse num");
+  EXPECT_EQ(before.find("hypot"), std::string::npos) << before;
+  EXPECT_EQ(after.find("hypot"), std::string::npos) << after;
+}
+
+TEST(KVLShellUse, WhatLiesDeeperKeepsItsDocToo) {
+  const Published function(new kvltest::TestFunction("around", "int", {}), "shelldeep/box/around");
+  const Published doc(new kvltest::TextValue("around", "string", "Boxes it."),
+                      "doc/shelldeep/box/around");
+  (void)Ask("use shelldeep");
+  const Said said = Ask("check --strict");
+  EXPECT_EQ(ResultOf("info box/around")[0]["doc"], "Boxes it.");
+  (void)Ask("unuse shelldeep");
+  EXPECT_EQ(said.output.find("doc/box/around"), std::string::npos) << said.output;
+}
+
 TEST(KVLShellUse, MakesAnEnvironmentVisibleAtTheTop) {
   EXPECT_EQ(Ask("use num; hypot(3, 4); pi").output, "5\n3.25\n");
   EXPECT_EQ(Ask("use").output, "num\n");
