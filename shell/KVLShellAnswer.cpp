@@ -136,7 +136,7 @@ void WriteValue(const KVLShellNode& value, MRBUnicodeString& text) {
       text += output.Find("name")->ToText() + " = " + output.Find("text")->ToText() + "\n";
   }
   if (const KVLShellNode* const seconds = value.Find("seconds")) {
-    text += seconds->ToText() + " s\n";
+    text += seconds->ToText() + "\n";
   }
 }
 

@@ -78,13 +78,27 @@ KVLShellOutcome RunQuit(const KVLShellArguments& arguments, KVLShellWork&, KVLSh
   return KVLShellOutcome(KVLShellResult_Quit | code, "");
 }
 
+// Three digits, in the largest unit that leaves one before the point.
+MRBUnicodeString DurationText(double seconds) {
+  constexpr double Kilo = 1e3;
+  const char* const units[] = {" s", " ms", " us", " ns"};
+  int i = 0;
+  for (; i < 3 && seconds < 1; ++i)
+    seconds *= Kilo;
+  MRBUnicodeString text;
+  text.BuildFromNum(seconds, seconds < 999.5 ? "%.3g" : "%.0f");
+  return text + units[i];
+}
+
 KVLShellOutcome RunTime(const KVLShellArguments& arguments, KVLShellWork& work,
                         KVLShellAnswer& answer) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   KVLShellOutcome outcome = KVLShellEvaluate(arguments.GetStatement().expression, work, answer);
   const std::chrono::duration<double> elapsed = Clock::now() - start;
-  if (outcome.IsSuccess()) answer.result.Set("seconds", elapsed.count());
+  if (outcome.IsSuccess()) {
+    answer.result.Set("seconds", elapsed.count()).ShowAs(DurationText(elapsed.count()));
+  }
   return outcome;
 }
 
