@@ -94,11 +94,19 @@ int Compare(const Quantity& a, const Quantity& b) {
   const Scale aScale = eta::ScaleOf(a.unit);
   const Scale bScale = eta::ScaleOf(b.unit);
   ExpectSameDimension(a, aScale, b, bScale);
-  const double other = eta::Converted(b.number, bScale, aScale);
-  if (std::isnan(a.number) || std::isnan(other)) {
+  if (std::isnan(a.number) || std::isnan(b.number)) {
     throw std::invalid_argument("what is no number cannot be compared");
   }
-  return a.number < other ? -1 : a.number > other ? 1 : 0;
+  if (a.unit == b.unit || std::isinf(a.number) || std::isinf(b.number)) {
+    return a.number < b.number ? -1 : a.number > b.number ? 1 : 0;
+  }
+  // One of two equal quantities may be hit by a conversion that misses the other.
+  const double there = eta::ConvertedOrInfinite(b.number, bScale, aScale);
+  const double back = eta::ConvertedOrInfinite(a.number, aScale, bScale);
+  if (there == a.number || back == b.number) return 0;
+  // By one of the conversions, the same whichever quantity is first.
+  const bool isLess = a.unit < b.unit ? a.number < there : back < b.number;
+  return isLess ? -1 : 1;
 }
 
 Quantity Sum(KVLCodeSession* session, const KVLVector<Quantity>& quantities) {

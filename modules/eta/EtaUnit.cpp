@@ -1,5 +1,6 @@
 #include "EtaUnit.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -118,6 +119,38 @@ double PowerOfTen(int exponent) {
   return exponent <= 22 ? PowerOf(10, exponent) : std::pow(10, exponent);
 }
 
+// The power of two is taken out of `number` and added to `exponent`.
+double WithoutExponent(double number, int& exponent) {
+  int ofNumber = 0;
+  const double mantissa = std::frexp(number, &ofNumber);
+  exponent += ofNumber;
+  return mantissa;
+}
+
+// number * up / down * 10^exponent, where a product on the way may be beyond all numbers though the
+// result is not: powers of two are counted apart.
+double ScaledInSteps(double number, double up, double down, int exponent) {
+  constexpr int MostTens = 22;
+  int binary = 0;
+  int divided = 0;
+  double scaled = WithoutExponent(number, binary) * WithoutExponent(up, binary);
+  scaled /= WithoutExponent(down, divided);
+  for (int left = std::abs(exponent); left > 0; left -= MostTens) {
+    const double tens = PowerOfTen(std::min(left, MostTens));
+    scaled = WithoutExponent(exponent > 0 ? scaled * tens : scaled / tens, binary);
+  }
+  return std::ldexp(scaled, binary - divided);
+}
+
+double Scaled(double number, double up, double down, int exponent) {
+  if (number == 0 || !std::isfinite(number)) return number;
+  const double tens = PowerOfTen(std::abs(exponent));
+  const double product = number * (exponent > 0 ? up * tens : up);
+  const double divisor = exponent > 0 ? down : down * tens;
+  const bool isInRange = std::isnormal(product) && std::isfinite(divisor);
+  return isInRange ? product / divisor : ScaledInSteps(number, up, down, exponent);
+}
+
 }  // namespace
 
 bool ParseUnit(const MRBUnicodeString& text, Factors& factors) {
@@ -180,19 +213,24 @@ bool HaveSameDimension(const Scale& a, const Scale& b) {
   return true;
 }
 
-double Converted(double number, const Scale& from, const Scale& to) {
+double ConvertedOrInfinite(double number, const Scale& from, const Scale& to) {
   const bool hasOffset = from.offset != 0 || to.offset != 0;
   const int exponent = from.exponent - to.exponent;
   // What both have in common goes first: pi, of which only the beginning is known.
   const bool isSameNumerator = from.numerator == to.numerator;
   const bool isSameDenominator = from.denominator == to.denominator;
-  double up = (isSameNumerator ? 1 : from.numerator) * (isSameDenominator ? 1 : to.denominator);
-  double down = (isSameDenominator ? 1 : from.denominator) * (isSameNumerator ? 1 : to.numerator);
-  (exponent > 0 ? up : down) *= PowerOfTen(std::abs(exponent));
+  const double up =
+      (isSameNumerator ? 1 : from.numerator) * (isSameDenominator ? 1 : to.denominator);
+  const double down =
+      (isSameDenominator ? 1 : from.denominator) * (isSameNumerator ? 1 : to.numerator);
   // In hundredths, in which the offsets are whole numbers.
   const double shifted = hasOffset ? number * 100 + from.offset : number;
-  const double scaled = shifted * up / down;
-  const double converted = hasOffset ? (scaled - to.offset) / 100 : scaled;
+  const double scaled = Scaled(shifted, up, down, exponent);
+  return hasOffset ? (scaled - to.offset) / 100 : scaled;
+}
+
+double Converted(double number, const Scale& from, const Scale& to) {
+  const double converted = ConvertedOrInfinite(number, from, to);
   if (std::isfinite(number) && !std::isfinite(converted)) {
     throw std::overflow_error("the number is too large for the unit");
   }

@@ -48,6 +48,8 @@ bool HaveSameDimension(const Scale& a, const Scale& b);
 /// `number`, of the scale `from`, on the scale `to`, which has the same dimension. Throws where a
 /// finite number becomes too large.
 double Converted(double number, const Scale& from, const Scale& to);
+/// The same, but what becomes too large is infinite.
+double ConvertedOrInfinite(double number, const Scale& from, const Scale& to);
 
 /// Reads "12.5 mm" or "12.5mm".
 bool Parse(const MRBUnicodeString& text, Quantity& quantity);

@@ -144,7 +144,8 @@ TEST_F(Eta, DerivedUnits) {
   EXPECT_EQ(Convert("1 kohm", "V/mA"), "1 V/mA");
   EXPECT_EQ(Convert("1 mAh", "C"), "3.6 C");
   EXPECT_EQ(Convert("1 T", "Wb/m^2"), "1 Wb/m^2");
-  EXPECT_EQ(Convert("120 rpm", "Hz"), "2 Hz");
+  EXPECT_EQ(Convert("120 rpm", "rev/min"), "120 rev/min");
+  EXPECT_EQ(Convert("120 rpm", "rev/s"), "2 rev/s");
   EXPECT_DOUBLE_EQ(std::stod(Result("units/value", {"1 hp", "ft*lbf/s"})), 550);
 }
 
@@ -236,6 +237,26 @@ TEST_F(Eta, ProductsAndQuotientsDeriveTheirUnit) {
 TEST_F(Eta, Comparisons) {
   EXPECT_EQ(Result("units/compare", {"1 m", "99 cm"}), "1");
   EXPECT_EQ(Result("units/compare", {"1 in", "25.4 mm"}), "0");
+  const struct {
+    const char* less;
+    const char* greater;
+    const char* result;
+  } both[] = {{"0 degC", "273.15 K", "0"},
+              {"25.0 degC", "298.15 K", "0"},
+              {"13.2 in", "1.1 ft", "-1"},
+              {"1 um", "1e308 m", "-1"},
+              {"1e308 km", "inf m", "-1"},
+              {"-inf m", "-1e308 km", "-1"},
+              {"1e-20 degC", "2e-20 degC", "-1"},
+              {"1 degC",
+               "1.5 \xC2\xB0"
+               "C",
+               "-1"}};
+  for (const auto& two : both) {
+    EXPECT_EQ(Result("units/compare", {two.less, two.greater}), two.result) << two.less;
+    EXPECT_EQ(Result("units/compare", {two.greater, two.less}), *two.result == '0' ? "0" : "1")
+        << two.less;
+  }
   EXPECT_EQ(Result("units/compare", {"1 min", "1 h"}), "-1");
   EXPECT_EQ(Thrown("units/compare", {"nan m", "1 m"}), "what is no number cannot be compared");
 }
@@ -316,6 +337,12 @@ TEST_F(Eta, ConversionsThereAndBackKeepTheNumber) {
 
 TEST_F(Eta, NumbersThatBecomeTooLargeAreRefused) {
   EXPECT_EQ(Thrown("units/convert", {"1e308 km", "mm"}), "the number is too large for the unit");
+  // Only on the way is it.
+  EXPECT_EQ(Convert("0 Qm^9", "qm^9"), "0 qm^9");
+  EXPECT_DOUBLE_EQ(std::stod(Convert("1e300 ly", "au")), 6.324107708426628e304);
+  EXPECT_DOUBLE_EQ(std::stod(Convert("1e-300 Qm^9", "qm^9")), 1e240);
+  EXPECT_DOUBLE_EQ(std::stod(Convert("1e300 qm^9", "Qm^9")), 1e-240);
+  EXPECT_EQ(Convert("inf Qm^9", "qm^9"), "inf qm^9");
   EXPECT_EQ(Convert("inf km", "mm"), "inf mm");
 }
 
