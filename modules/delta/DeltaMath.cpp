@@ -21,7 +21,16 @@ double Sqrt(double x) {
 double Clamp(double x, double low, double high) {
   // Written so that a NaN is refused.
   if (!(low <= high)) throw std::invalid_argument("low must not lie above high");
-  return std::fmin(std::fmax(x, low), high);
+  // A NaN stays one.
+  return x < low ? low : x > high ? high : x;
+}
+
+// Exact at both ends, and between two that are equal.
+double Lerp(double a, double b, double t) {
+  if (t == 0) return a;
+  if (t == 1) return b;
+  const double difference = b - a;
+  return std::isfinite(difference) ? a + difference * t : a * (1 - t) + b * t;
 }
 
 double Pow(double base, double exponent) {
@@ -40,6 +49,10 @@ double Log(double x) {
 
 double Mean(const KVLVector<double>& list) {
   if (list.IsEmpty()) throw std::invalid_argument("mean of no numbers");
+  double sum = 0;
+  for (const double number : list)
+    sum += number;
+  if (std::isfinite(sum)) return sum / list.GetCount();
   // Divided first, so that the sum does not grow beyond all numbers.
   double mean = 0;
   for (const double number : list)
@@ -74,10 +87,11 @@ KVL_FUNCTION("math/mul", "a, b", "a times b.", [](double a, double b) { return a
 KVL_FUNCTION("math/div", "a, b", "a divided by b. Fails where b is 0.", Div);
 KVL_FUNCTION("math/sqrt", "x", "The square root. Fails for a negative number.", Sqrt);
 KVL_FUNCTION("math/clamp", "x, low = 0, high = 1",
-             "The number nearest to x between low and high. Fails where low lies above high.",
+             "The number nearest to x between low and high; nan stays nan. Fails where low lies "
+             "above high.",
              Clamp);
 KVL_FUNCTION("math/lerp", "a, b, t = 0.5", "The number between a, at t = 0, and b, at t = 1.",
-             [](double a, double b, double t) { return a + (b - a) * t; });
+             Lerp);
 KVL_FUNCTION("math/hypot", "a, b = 0", "The length of the vector (a, b).",
              [](double a, double b) { return std::hypot(a, b); });
 KVL_FUNCTION("math/pow", "base, exponent",

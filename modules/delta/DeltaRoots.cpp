@@ -24,28 +24,39 @@ void ExpectFinite(double a, double b, double c) {
   throw std::invalid_argument("a, b and c must be finite");
 }
 
+void ExpectSolution(double x) {
+  if (!std::isfinite(x)) throw std::overflow_error("a solution is too large");
+}
+
 // Real solutions of a x^2 + b x + c = 0, in ascending order; both the same when there is one, both
 // NaN when there is none. Returns their number.
 int Roots(double a, double b, double c, Out<double> x1, Out<double> x2) {
   ExpectFinite(a, b, c);
   if (a == 0) throw std::domain_error("a must not be 0");
-  // Scaled by a power of two, which rounds nothing, so that the squares neither grow beyond all
-  // numbers nor vanish.
-  const int exponent = std::ilogb(std::max({std::fabs(a), std::fabs(b), std::fabs(c)}));
-  a = std::scalbn(a, -exponent);
-  b = std::scalbn(b, -exponent);
-  c = std::scalbn(c, -exponent);
-  if (a == 0) throw std::domain_error("a is too small beside b and c");
-  const double discriminant = Discriminant(a, b, c);
+  // In y, where x = 2^balance y, a and c (or b, where c is 0) are about as large as each other; and
+  // all are divided by the power of two of the greatest. Powers of two round nothing, and so the
+  // squares neither grow beyond all numbers nor vanish where they matter.
+  const int ofA = std::ilogb(a);
+  const int balance = c != 0 ? (std::ilogb(c) - ofA) / 2 : b != 0 ? std::ilogb(b) - ofA : 0;
+  int greatest = ofA + 2 * balance;
+  if (b != 0) greatest = std::max(greatest, std::ilogb(b) + balance);
+  if (c != 0) greatest = std::max(greatest, std::ilogb(c));
+  const double scaledB = std::scalbn(b, balance - greatest);
+  const double discriminant =
+      Discriminant(std::scalbn(a, 2 * balance - greatest), scaledB, std::scalbn(c, -greatest));
   if (discriminant < 0) {
     x1 = x2 = std::numeric_limits<double>::quiet_NaN();
     return 0;
   }
   // Of the two solutions the one without cancellation is computed first; their product gives the
   // other.
-  const double q = -(b + std::copysign(std::sqrt(discriminant), b)) / 2;
-  const double first = q / a;
-  const double second = q == 0 ? first : c / q;
+  const double q = -(scaledB + std::copysign(std::sqrt(discriminant), scaledB)) / 2;
+  const double first = std::scalbn(q / std::scalbn(a, -ofA), greatest - balance - ofA);
+  const int ofC = c != 0 ? std::ilogb(c) : 0;
+  const double second =
+      q == 0 ? first : std::scalbn(std::scalbn(c, -ofC) / q, ofC - greatest + balance);
+  ExpectSolution(first);
+  ExpectSolution(second);
   // Not -0.
   x1 = std::fmin(first, second) + 0.0;
   x2 = std::fmax(first, second) + 0.0;
@@ -57,18 +68,25 @@ int Roots2(double a, double b, double c, Out<double> x1, Out<double> x2) {
   ExpectFinite(a, b, c);
   if (a != 0) return Roots(a, b, c, x1, x2);
   if (b == 0 && c == 0) throw std::domain_error("every x is a solution");
-  x1 = x2 = b == 0 ? std::numeric_limits<double>::quiet_NaN() : -c / b + 0.0;
-  return b == 0 ? 0 : 1;
+  if (b == 0) {
+    x1 = x2 = std::numeric_limits<double>::quiet_NaN();
+    return 0;
+  }
+  const double solution = -c / b + 0.0;
+  ExpectSolution(solution);
+  x1 = x2 = solution;
+  return 1;
 }
 
 }  // namespace
 
 KVL_FUNCTION("math/roots", "a, b, c, x1, x2",
              "Solves a x^2 + b x + c = 0: how many real solutions there are, and the solutions in "
-             "ascending order, \"nan\" where there are none. Fails where a is 0, or vanishes "
-             "beside b and c, and for numbers that are not finite.",
+             "ascending order, \"nan\" where there are none. Fails where a is 0, for numbers that "
+             "are not finite, and where a solution is too large for a number.",
              Roots);
 KVL_FUNCTION("math/roots2", "a, b, c, x1, x2",
              "As math/roots, but where a is 0, solves b x + c = 0. Fails where every x is a "
-             "solution, and for numbers that are not finite.",
+             "solution, for numbers that are not finite, and where a solution is too large for a "
+             "number.",
              Roots2);

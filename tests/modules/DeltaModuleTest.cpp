@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "KVLCodeFunctionCaller.h"
 #include "LoadedModules.h"
 
@@ -164,7 +166,49 @@ TEST_F(Delta, RootsKeepTheirDigitsAtEveryScale) {
     EXPECT_EQ(Thrown(path, {"nan", "1", "1"}), "a, b and c must be finite");
     EXPECT_EQ(Thrown(path, {"1", "inf", "1"}), "a, b and c must be finite");
   }
-  EXPECT_EQ(Thrown("math/roots", {"1e-200", "1", "1e200"}), "a is too small beside b and c");
+}
+
+TEST_F(Delta, RootsOfCoefficientsFarApart) {
+  EXPECT_EQ(Result("math/roots", {"1e-200", "1", "1e200"}), "0");
+  const struct {
+    const char* a;
+    const char* b;
+    const char* c;
+    double x1;
+    double x2;
+  } cases[] = {{"1e-165", "0", "-1e158", -3.1622776601683793e161, 3.1622776601683793e161},
+               {"1e-160", "0", "-1e155", -3.1622776601683796e157, 3.1622776601683796e157},
+               {"1e-300", "-1e-10", "1e-300", 1e-290, 1e290},
+               {"1", "1e-320", "0", -1e-320, 0},
+               {"4", "0", "-5e-324", -1.1113793747425387e-162, 1.1113793747425387e-162}};
+  for (const char* const path : {"math/roots", "math/roots2"}) {
+    for (const auto& one : cases) {
+      EXPECT_EQ(Result(path, {one.a, one.b, one.c}), "2") << one.a;
+      EXPECT_DOUBLE_EQ(
+          std::strtod(OutputOf(path, {one.a, one.b, one.c, "", ""}, 3).c_str(), nullptr), one.x1);
+      EXPECT_DOUBLE_EQ(
+          std::strtod(OutputOf(path, {one.a, one.b, one.c, "", ""}, 4).c_str(), nullptr), one.x2);
+    }
+    EXPECT_EQ(Thrown(path, {"5e-324", "1", "0"}), "a solution is too large");
+  }
+  EXPECT_EQ(Thrown("math/roots2", {"0", "5e-324", "1"}), "a solution is too large");
+}
+
+TEST_F(Delta, NanIsNotClamped) {
+  EXPECT_EQ(Result("math/clamp", {"nan"}), "nan");
+}
+
+TEST_F(Delta, BothEndsAreReachedExactly) {
+  EXPECT_EQ(Result("math/lerp", {"1e17", "1", "1"}), "1");
+  EXPECT_EQ(Result("math/lerp", {"1", "inf", "0"}), "1");
+  EXPECT_EQ(Result("math/lerp", {"-1.5e308", "1.5e308"}), "0");
+  EXPECT_EQ(Result("math/lerp", {"0.1", "0.1", "0.7"}), "0.1");
+}
+
+TEST_F(Delta, AMeanIsRoundedOnce) {
+  EXPECT_EQ(Result("math/mean", {"[1,1,1,1,1,1]"}), "1");
+  EXPECT_EQ(Result("math/mean", {"[1,1,3]"}), "1.6666666666666667");
+  EXPECT_EQ(Result("math/mean", {"[5e-324,5e-324]"}), "5e-324");
 }
 
 TEST_F(Delta, AnglesAreInRadians) {
