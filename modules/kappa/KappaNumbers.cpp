@@ -15,6 +15,15 @@ struct Place {
   double z = 0;
 };
 
+bool AreEqual(const Place& a, const Place& b) {
+  return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+// Of three at once the library's std::hypot makes nan where one is infinite.
+double Distance(const Place& a, const Place& b) {
+  return std::hypot(std::hypot(b.x - a.x, b.y - a.y), b.z - a.z);
+}
+
 void RefuseTolerance(double tolerance) {
   // Written so that a NaN is refused.
   if (!(tolerance >= 0)) throw std::invalid_argument("the tolerance must not be negative");
@@ -62,7 +71,7 @@ Pairs Points(const KVLCodeContext& context, KVLCodeSession* session, const Eleme
   const KVLVector<Place> from = ReadPlaces(context, left);
   const KVLVector<Place> to = ReadPlaces(context, right);
   return kappa::Match(from.GetCount(), to.GetCount(), session, [&](int i, int j) {
-    return std::hypot(to[j].x - from[i].x, to[j].y - from[i].y, to[j].z - from[i].z) <= tolerance;
+    return AreEqual(from[i], to[j]) || Distance(from[i], to[j]) <= tolerance;
   });
 }
 

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <stdexcept>
 
 #include "KVLCodeFunctionBinding.h"
@@ -24,16 +25,33 @@ Vector VectorTo(const Point& from, const Point& to) {
   return to - from;
 }
 
+// Exact at both ends, and between two that are equal.
+double NumberBetween(double a, double b, double t) {
+  if (t == 0) return a;
+  if (t == 1) return b;
+  const double difference = b - a;
+  return std::isfinite(difference) ? a + difference * t : a * (1 - t) + b * t;
+}
+
 Point Between(const Point& a, const Point& b, double t) {
-  return Point{a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, a.z + (b.z - a.z) * t};
+  return Point{NumberBetween(a.x, b.x, t), NumberBetween(a.y, b.y, t), NumberBetween(a.z, b.z, t)};
+}
+
+double Mean(const KVLVector<Point>& points, double Point::*coordinate) {
+  double sum = 0;
+  for (const Point& point : points)
+    sum += point.*coordinate;
+  if (std::isfinite(sum)) return sum / points.GetCount();
+  // Divided first, so that the sum does not grow beyond all numbers.
+  double mean = 0;
+  for (const Point& point : points)
+    mean += point.*coordinate / points.GetCount();
+  return mean;
 }
 
 Point Centroid(const KVLVector<Point>& points) {
   if (points.IsEmpty()) throw std::invalid_argument("no points have no centroid");
-  Vector sum;
-  for (const Point& point : points)
-    sum = sum + (point - Point());
-  return Point() + sum * (1.0 / points.GetCount());
+  return Point{Mean(points, &Point::x), Mean(points, &Point::y), Mean(points, &Point::z)};
 }
 
 // The method with its object fixed: a function of the other point alone.

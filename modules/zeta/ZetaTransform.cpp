@@ -42,15 +42,38 @@ double Determinant(const Transform& transform) {
   return Dot(transform.x, Cross(transform.y, transform.z));
 }
 
+double Greatest(const Vector& vector) {
+  return std::fmax(std::abs(vector.x), std::fmax(std::abs(vector.y), std::abs(vector.z)));
+}
+
+Vector TimesPowerOfTwo(const Vector& vector, int exponent) {
+  return Vector{std::scalbn(vector.x, exponent), std::scalbn(vector.y, exponent),
+                std::scalbn(vector.z, exponent)};
+}
+
+[[noreturn]] void FailToInvert() {
+  throw std::domain_error("the transformation has no inverse");
+}
+
 // The rows of the inverse are the cross products of the columns, over the determinant.
 Transform Inverted(const Transform& transform) {
-  const double determinant = Determinant(transform);
-  if (determinant == 0 || !std::isfinite(determinant) || !std::isfinite(1 / determinant)) {
-    throw std::domain_error("the transformation has no inverse");
-  }
-  const Vector rows[] = {Cross(transform.y, transform.z) * (1 / determinant),
-                         Cross(transform.z, transform.x) * (1 / determinant),
-                         Cross(transform.x, transform.y) * (1 / determinant)};
+  const double greatest =
+      std::fmax(Greatest(transform.x), std::fmax(Greatest(transform.y), Greatest(transform.z)));
+  if (greatest == 0 || !std::isfinite(greatest)) FailToInvert();
+  // By a power of two, which rounds nothing, so that the determinant, a product of three, neither
+  // grows beyond all numbers nor vanishes.
+  const int exponent = -std::ilogb(greatest);
+  Transform scaled;
+  scaled.x = TimesPowerOfTwo(transform.x, exponent);
+  scaled.y = TimesPowerOfTwo(transform.y, exponent);
+  scaled.z = TimesPowerOfTwo(transform.z, exponent);
+  const double determinant = Determinant(scaled);
+  if (determinant == 0 || !std::isfinite(1 / determinant)) FailToInvert();
+  const Vector rows[] = {TimesPowerOfTwo(Cross(scaled.y, scaled.z) * (1 / determinant), exponent),
+                         TimesPowerOfTwo(Cross(scaled.z, scaled.x) * (1 / determinant), exponent),
+                         TimesPowerOfTwo(Cross(scaled.x, scaled.y) * (1 / determinant), exponent)};
+  for (const Vector& row : rows)
+    if (!std::isfinite(Greatest(row))) FailToInvert();
   Transform inverse;
   inverse.x = Vector() + Vector{rows[0].x, rows[1].x, rows[2].x};
   inverse.y = Vector() + Vector{rows[0].y, rows[1].y, rows[2].y};

@@ -41,7 +41,8 @@ Box::Box() {
 }
 
 double Length(const Vector& vector) {
-  return std::hypot(vector.x, vector.y, vector.z);
+  // Of three at once the library makes nan where one is infinite.
+  return std::hypot(std::hypot(vector.x, vector.y), vector.z);
 }
 
 double Dot(const Vector& a, const Vector& b) {

@@ -146,6 +146,9 @@ TEST_F(Kappa, PointsAreMatchedByTheirDistance) {
       "[[0,1],[1,0]]");
   EXPECT_EQ(Result("match/points", {"[Vector(1,1,1)]", "[Point(1,1,1)]", "0"}), "[[0,0]]");
   EXPECT_EQ(Result("match/points", {"[Point(0,0)]", "[Point(1,1)]", "1"}), "[]");
+  EXPECT_EQ(Result("match/points", {"[Point(inf,0)]", "[Point(inf,0)]", "0"}), "[[0,0]]");
+  EXPECT_EQ(Result("match/points", {"[Point(inf,0)]", "[Point(0,0)]", "inf"}), "[[0,0]]");
+  EXPECT_EQ(Result("match/points", {"[Point(inf,0)]", "[Point(0,0)]", "1e300"}), "[]");
   EXPECT_EQ(Thrown("match/points", {"[Point(0,0), 5]", "[]", "1"}), "element 1 is no Point");
   EXPECT_EQ(Thrown("match/points", {"[]", "[]", "-0.5"}), "the tolerance must not be negative");
 }

@@ -250,6 +250,15 @@ TEST_F(Zeta, PointsBetweenAndAmongOthers) {
   EXPECT_EQ(Result("geom/between", {"(0,0)", "(2,4)", "2"}), "(4, 8)");
   EXPECT_EQ(Result("geom/centroid", {"[(0,0), (3,0), (0,3)]"}), "(1, 1)");
   EXPECT_EQ(Thrown("geom/centroid", {"[]"}), "no points have no centroid");
+  EXPECT_EQ(Result("geom/between", {"(1e17,0)", "(1,2)", "1"}), "(1, 2)");
+  EXPECT_EQ(Result("geom/between", {"(-1.5e308,0)", "(1.5e308,2)"}), "(0, 1)");
+  EXPECT_EQ(Result("geom/centroid", {"[(1,7),(1,7),(3,7)]"}), "(1.6666666666666667, 7)");
+  EXPECT_EQ(Result("geom/centroid", {"[(1e308,0),(1e308,0)]"}), "(1e+308, 0)");
+}
+
+TEST_F(Zeta, AnInfiniteVectorIsInfinitelyLong) {
+  for (const char* const vector : {"(inf,0)", "(0,-inf,1)", "(0,0,inf)", "(inf,inf,inf)"})
+    EXPECT_EQ(Result("geom/length", {vector}), "inf") << vector;
 }
 
 TEST_F(Zeta, BoxesGrowUniteAndIntersect) {
@@ -323,6 +332,18 @@ TEST_F(Zeta, TransformsAreInverted) {
             "the transformation has no inverse");
   EXPECT_EQ(Thrown("geom/transform/invert", {"((1e-320,0,0),(0,1,0),(0,0,1),(0,0,0))"}),
             "the transformation has no inverse");
+}
+
+TEST_F(Zeta, TransformsOfAnySizeAreInverted) {
+  for (const char* const factors : {"1e-110 1e+110", "1e-200 1e+200", "1e+120 1e-120"}) {
+    const std::string text = factors;
+    const std::size_t blank = text.find(' ');
+    const std::string scaling = Result("geom/transform/scaling", {text.substr(0, blank).c_str()});
+    const double inverse = std::stod(Result("geom/transform/invert", {scaling.c_str()}).substr(2));
+    EXPECT_DOUBLE_EQ(inverse, std::stod(text.substr(blank)));
+  }
+  const std::string least = Result("geom/transform/scaling", {"5e-324"});
+  EXPECT_EQ(Thrown("geom/transform/invert", {least.c_str()}), "the transformation has no inverse");
 }
 
 TEST_F(Zeta, ARotationTurnsCounterClockwiseAboutItsCenter) {
