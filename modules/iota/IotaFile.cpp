@@ -271,15 +271,32 @@ MRBUnicodeString ReadFile(const MRBUnicodeString& file) {
 }
 
 void ReplaceFile(const MRBUnicodeString& file, const MRBUnicodeString& text) {
-  const fs::path path = PathOf(file);
-  const fs::path temporary = TemporaryPathFor(path);
+  fs::path path = PathOf(file);
   std::error_code error;
+  const fs::file_status before = fs::status(path, error);
+  const bool isThere = fs::exists(before);
+  if (isThere && !fs::is_regular_file(before)) {
+    throw std::runtime_error(Quoted(file) + " is no plain file");
+  }
+  // What a link leads to is replaced, not the link.
+  if (isThere && fs::is_symlink(fs::symlink_status(path, error))) {
+    path = fs::canonical(path, error);
+    if (error) throw std::runtime_error(Quoted(file) + " cannot be written");
+  }
+  const fs::path temporary = TemporaryPathFor(path);
   {
     std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    // Before anything is in it, so that nobody reads what was private.
+    if (stream && isThere) {
+      fs::permissions(temporary, before.permissions(), error);
+      if (error) stream.setstate(std::ios::failbit);
+    }
     stream.write(text, text.GetLengthInByte());
     stream.close();
-    if (stream) fs::rename(temporary, path, error);
-    if (stream && !error) return;
+    if (stream) {
+      fs::rename(temporary, path, error);
+      if (!error) return;
+    }
   }
   fs::remove(temporary, error);
   throw std::runtime_error(Quoted(file) + " cannot be written");

@@ -1,3 +1,7 @@
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -262,9 +266,33 @@ TEST_F(Iota, FilesThatCannotBeUsedAreTold) {
   EXPECT_EQ(Thrown("var/restore", {directory.c_str()}), "'" + directory + "' cannot be read");
   fs::create_directories(folder / "sub" / "in");
   const std::string full = (folder / "sub").u8string();
-  EXPECT_EQ(Thrown("var/save", {full.c_str()}), "'" + full + "' cannot be written");
+  EXPECT_EQ(Thrown("var/save", {full.c_str()}), "'" + full + "' is no plain file");
   EXPECT_EQ(CountFiles(), 1) << "what was begun is removed";
 }
+
+#if !defined(_WIN32)
+TEST_F(Iota, SavingGoesThroughALinkAndKeepsThePermissions) {
+  const fs::path link = folder / "link";
+  const fs::perms ownersOnly = fs::perms::owner_read | fs::perms::owner_write;
+  Write("before");
+  fs::permissions(fs::u8path(file), ownersOnly);
+  fs::create_symlink("variables.txt", link);
+  session.values["x"] = Make("int", "1");
+  EXPECT_EQ(Result("var/save", {link.u8string().c_str()}), "1");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(Read(), "kvl-variables 1\nx \"int\" \"1\"\n");
+  EXPECT_EQ(fs::status(fs::u8path(file)).permissions(), ownersOnly);
+  EXPECT_EQ(CountFiles(), 2);
+}
+
+TEST_F(Iota, WhatIsNoPlainFileIsNotReplaced) {
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  session.values["x"] = Make("int", "1");
+  EXPECT_EQ(Thrown("var/save", {file.c_str()}), "'" + file + "' is no plain file");
+  EXPECT_TRUE(fs::is_fifo(fs::u8path(file)));
+  EXPECT_EQ(CountFiles(), 1);
+}
+#endif
 
 TEST_F(Iota, AFileMayHaveAnyName) {
   const std::string other = (folder / fs::u8path("a b \xC3\xA9.kvl")).u8string();
