@@ -31,6 +31,8 @@ std::string Pad(const std::string& text, int width, Align align, const std::stri
 
 KVL_ENUM(Align, "Align", left, right, center);
 KVL_DOC("_types/Align", "Where a text stands in a wider field: left, right or center.");
+KVL_CONVERSION(Align, MRBUnicodeString);
+KVL_CONVERSION(MRBUnicodeString, Align);
 KVL_FUNCTION(
     "text/pad", "text, width, align = left, fill = \" \"",
     "The text in a field of so many characters, filled up with the fill character; a longer "

@@ -126,8 +126,8 @@ KVL_FUNCTION("list/reverse", "list", "The elements in the opposite order.", Reve
 KVL_FUNCTION(
     "list/sort", "list, descending = false",
     "The elements in order: numbers by their exact values, whatever their types, nan "
-    "last; false before true; texts by their bytes. Equal ones keep their order. Fails for "
-    "other elements, and where numbers and texts are mixed, say.",
+    "last (first when descending); false before true; texts by their bytes. Equal ones keep their "
+    "order. Fails for other elements, and where numbers and texts are mixed, say.",
     Sort);
 KVL_FUNCTION("list/sum", "list",
              "The sum of the elements, each converted to a number. Fails where one is none.", Sum);

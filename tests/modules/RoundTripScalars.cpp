@@ -6,7 +6,7 @@ using namespace round_trip;
 
 class ScalarRoundTrip : public LoadedModules {
  protected:
-  ScalarRoundTrip() : LoadedModules({"Alpha", "Beta", "Gamma", "Epsilon"}) {}
+  ScalarRoundTrip() : LoadedModules({"Alpha", "Beta", "Gamma", "Epsilon", "Kappa"}) {}
 
   // What the call returns, for arguments that are handed over as they are.
   KVLSmartPtr<KVLCodeValue> Called(const MRBUnicodeString& path,
@@ -29,6 +29,38 @@ TEST_F(ScalarRoundTrip, Types) {
   ExpectRoundTrips<std::int32_t>("long", rc::gen::arbitrary<std::int32_t>(), InAny::KeepsText);
   ExpectRoundTrips<double>("double", Doubles());
   ExpectRoundTrips<MRBUnicodeString>("string", UnicodeStrings());
+}
+
+enum class Align { left, right, center };
+
+TEST_F(ScalarRoundTrip, Align) {
+  ExpectRoundTrips<Align>("Align", rc::gen::element(Align::left, Align::right, Align::center));
+}
+
+TEST_F(ScalarRoundTrip, ListsOfLists) {
+  EXPECT_TRUE(rc::check("KVLVector<KVLVector<int>> by its text", [&] {
+    const auto all = *rc::gen::arbitrary<std::vector<std::vector<std::int32_t>>>();
+    const KVLSmartPtr<KVLCodeValue> list = Make("KVLVector<KVLVector<int>>");
+    auto& lists = static_cast<KVLCodeListValue&>(*list).MakeOwnElements();
+    for (const std::vector<std::int32_t>& numbers : all) {
+      const KVLSmartPtr<KVLCodeValue> inner = Make("KVLVector<int>");
+      auto& innerElements = static_cast<KVLCodeListValue&>(*inner).MakeOwnElements();
+      for (const std::int32_t number : numbers) {
+        const KVLSmartPtr<KVLCodeValue> element = Make("int");
+        *static_cast<std::int32_t*>(element->GetValuePtr()) = number;
+        innerElements.Append(element);
+      }
+      lists.Append(inner);
+    }
+    const KVLSmartPtr<KVLCodeValue> read = Reread(context, *list);
+    const auto& elements = *static_cast<const KVLCodeListValue::Elements*>(read->GetValuePtr());
+    RC_ASSERT(elements.GetCount() == static_cast<int>(all.size()));
+    for (int i = 0; i < elements.GetCount(); ++i) {
+      RC_ASSERT(elements[i]->GetTypeName() == "KVLVector<int>");
+      AssertSame(ElementsOf<std::int32_t>(context, *elements[i], "int"),
+                 all[static_cast<std::size_t>(i)]);
+    }
+  }));
 }
 
 TEST_F(ScalarRoundTrip, JoinedPiecesAreTheTextAgain) {
