@@ -120,7 +120,7 @@ TEST(KVLVectorOnTheRawHeap, AStorageOfAnySizeGrowsAndShrinksToExactlyThePlacesAs
       const int capacity = texts.GetCapacity();
       texts.Append("a text too long for the inside of the object");
       if (texts.GetCapacity() != capacity) continue;
-      EXPECT_EQ(heap.lastRequest, texts[0].GetLengthInByte() + std::size_t{1});
+      EXPECT_EQ(heap.lastRequest, static_cast<std::size_t>(texts[0].GetLengthInByte()) + 1);
     }
     EXPECT_EQ(texts.GetCapacity(), 4096);
     for (const int places : {3001, 20000, 3000}) {
