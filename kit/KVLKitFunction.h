@@ -387,9 +387,6 @@ struct SignatureTable {
   bool isMethod;
 };
 
-template <class P, class Result, class Index>
-struct ParamTables;
-
 template <int Count>
 struct ParamArray {
   ParamTable params[Count > 0 ? Count : 1];
